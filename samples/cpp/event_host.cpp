@@ -1,0 +1,160 @@
+// A C++ host with events: replays a receiver's log through NmeaParser and prints what arrives.
+//     event_host <log file>
+// Shows the early-bound interface, a sink for the events, and how errors are read.
+
+#include <ocidl.h>
+#include <oleauto.h>
+#include <windows.h>
+
+#include <cstdio>
+#include <map>
+#include <string>
+
+#include "KavrelCE_h.h"
+
+namespace {
+
+std::string Narrow(const wchar_t* text) {
+    return text != nullptr ? std::string(text, text + wcslen(text)) : std::string();
+}
+
+// Owns a variant.
+struct Var : VARIANT {
+    Var() { VariantInit(this); }
+    explicit Var(const std::string& text) {
+        vt = VT_BSTR;
+        bstrVal = SysAllocString(std::wstring(text.begin(), text.end()).c_str());
+    }
+    explicit Var(LONG number) {
+        vt = VT_I4;
+        lVal = number;
+    }
+    ~Var() { VariantClear(this); }
+    Var(const Var&) = delete;
+    Var& operator=(const Var&) = delete;
+};
+
+// Receives the events of _INmeaParserEvents. Lives on the stack, so its count does not matter.
+class Sink final : public IDispatch {
+  public:
+    const std::map<std::string, int>& counts() const { return counts_; }
+
+    STDMETHODIMP QueryInterface(REFIID id, void** object) override {
+        *object = nullptr;
+        if (!IsEqualIID(id, IID_IUnknown) && !IsEqualIID(id, IID_IDispatch) &&
+            !IsEqualIID(id, DIID__INmeaParserEvents)) {
+            return E_NOINTERFACE;
+        }
+        *object = this;
+        return S_OK;
+    }
+    STDMETHODIMP_(ULONG) AddRef() override { return 2; }
+    STDMETHODIMP_(ULONG) Release() override { return 1; }
+    STDMETHODIMP GetTypeInfoCount(UINT* count) override {
+        *count = 0;
+        return S_OK;
+    }
+    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
+        return E_NOTIMPL;
+    }
+
+    STDMETHODIMP Invoke(DISPID event, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT*,
+                        EXCEPINFO*, UINT*) override {
+        constexpr DISPID kGeneric = 1;
+        if (event != kGeneric || arguments->cArgs != 1) return S_OK;
+
+        INmeaSentence* sentence = nullptr;
+        IDispatch* const object = V_DISPATCH(&arguments->rgvarg[0]);
+        if (FAILED(
+                object->QueryInterface(IID_INmeaSentence, reinterpret_cast<void**>(&sentence)))) {
+            return S_OK;
+        }
+        Var command;
+        Var text;
+        sentence->get_Command(&command);
+        sentence->get_Sentence(&text);
+        sentence->Release();
+
+        const std::string name = Narrow(V_BSTR(&command));
+        if (++counts_[name] == 1)
+            std::printf("first %s  %s\n", name.c_str(), Narrow(V_BSTR(&text)).c_str());
+        return S_OK;
+    }
+
+  private:
+    std::map<std::string, int> counts_;
+};
+
+int Fail(const char* what, HRESULT result) {
+    std::fprintf(stderr, "%s: 0x%08lx\n", what, static_cast<unsigned long>(result));
+    return 1;
+}
+
+void PrintLastError(HRESULT result) {
+    IErrorInfo* info = nullptr;
+    if (GetErrorInfo(0, &info) != S_OK) return;
+    BSTR description = nullptr;
+    BSTR source = nullptr;
+    info->GetDescription(&description);
+    info->GetSource(&source);
+    info->Release();
+    std::printf("error 0x%08lx \"%s\" from \"%s\"\n", static_cast<unsigned long>(result),
+                Narrow(description).c_str(), Narrow(source).c_str());
+    SysFreeString(description);
+    SysFreeString(source);
+}
+
+bool Replay(INmeaParser* parser, const char* fileName) {
+    std::FILE* const log = std::fopen(fileName, "rb");
+    if (log == nullptr) {
+        std::fprintf(stderr, "cannot open %s\n", fileName);
+        return false;
+    }
+    char line[256];
+    while (std::fgets(line, sizeof(line), log) != nullptr)
+        parser->Parse(Var(std::string(line)));
+    std::fclose(log);
+    return true;
+}
+
+int Run(const char* fileName) {
+    INmeaParser* parser = nullptr;
+    HRESULT result = CoCreateInstance(CLSID_NmeaParser, nullptr, CLSCTX_INPROC_SERVER,
+                                      IID_INmeaParser, reinterpret_cast<void**>(&parser));
+    if (FAILED(result)) return Fail("KavrelCE.NmeaParser is not registered", result);
+
+    IConnectionPointContainer* container = nullptr;
+    IConnectionPoint* point = nullptr;
+    DWORD cookie = 0;
+    Sink sink;
+    parser->QueryInterface(IID_IConnectionPointContainer, reinterpret_cast<void**>(&container));
+    container->FindConnectionPoint(DIID__INmeaParserEvents, &point);
+    container->Release();
+    result = point->Advise(&sink, &cookie);
+    if (FAILED(result)) return Fail("Advise", result);
+
+    const bool isReplayed = Replay(parser, fileName);
+    for (const auto& [command, count] : sink.counts()) {
+        std::printf("%s %d\n", command.c_str(), count);
+    }
+    PrintLastError(parser->put_GpsDatum(Var(29L)));
+
+    point->Unadvise(cookie);
+    point->Release();
+    parser->Release();
+    return isReplayed ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: event_host <log file>\n");
+        return 2;
+    }
+    CoInitialize(nullptr);
+    const int code = Run(argv[1]);
+    CoUninitialize();
+    return code;
+}

@@ -1,0 +1,97 @@
+// NmeaSentence: one sentence, as text and as numbered fields. Either side can be changed, and the
+// text is rebuilt with a fresh checksum when it is next read.
+//
+// Text is 8-bit, as NMEA 0183 is. The text stands without CR LF. Fields are numbered from 1 by the
+// comma that opens them, so the address ("GPGGA") is no field and the checksum belongs to none.
+//
+// Thread safety: none. A sentence is shared by the engine and the receivers of its events; who
+// changes it changes what the others see.
+// Views returned are valid until the sentence is next changed.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "base/record.h"
+#include "base/small_text.h"
+#include "nmea/field_list.h"
+#include "nmea/sentence_type.h"
+
+namespace kavrel {
+
+class NmeaSentence final : public Record {
+  public:
+    // The text, rebuilt first if command or fields were changed; empty for an empty sentence.
+    std::string_view Text();
+
+    // The text followed by CR LF, as it is written to a receiver.
+    std::string_view TextWithLineEnd();
+
+    // Replaces everything. A text of less than 6 characters leaves the sentence empty; the first
+    // character is taken for the "$" unseen. The text is given in two runs, as a ring has it.
+    void SetText(std::string_view text, std::string_view continuation = {});
+
+    // The text of field `index`, which is first cut to a signed 8-bit number: 257 reads field 1.
+    // Empty when no such field is stored.
+    // Errors: 10004 "Index out of bounds" outside 1..FieldCount().
+    std::string_view Field(std::int32_t index);
+
+    // The same for decoders: any number, and empty instead of an error.
+    std::string_view FieldOrEmpty(std::int32_t number) const;
+
+    // The same for many fields at once: fields[n] becomes the text of field n, for all n from 1.
+    void CopyFields(std::span<std::string_view> fields) const;
+
+    // The highest field number.
+    std::int32_t FieldCount() const { return fieldCount_; }
+
+    // Sets or replaces one field. Any number is stored; those below 1 never get into the text.
+    void SetField(std::int32_t number, std::string_view value);
+
+    // The three-character sentence formatter ("GGA"); empty when there is none.
+    std::string_view Command() const { return FullCommand().substr(hasCommand_ ? 2 : 0); }
+
+    // The five-character talker and formatter ("GPGGA"); empty when there is none.
+    std::string_view FullCommand() const {
+        return {fullCommand_.data(), hasCommand_ ? fullCommand_.size() : 0};
+    }
+
+    // The two letters before the formatter; zeros when there is none.
+    std::array<char, 2> TalkerId() const {
+        if (!hasCommand_) return {};
+        return {fullCommand_[0], fullCommand_[1]};
+    }
+
+    // Sets both: 3 characters get the talker "GP", 5 are taken as they are.
+    // Errors, with nothing changed: 10003 "Null command not allowed" for a view without data,
+    // 10003 "Command must be 3 or 5 characters long".
+    void SetCommand(std::string_view command);
+
+    SentenceType Type() const { return SentenceTypeOf(Command()); }
+
+  private:
+    // Where the commas of the text are, for as many as ordinary sentences have.
+    static constexpr std::size_t kKnownCommas = 24;
+    static constexpr std::size_t kInlineTextSize = 96;
+
+    void FindCommas();
+    std::string_view FieldInText(std::int32_t number) const;
+    FieldList& EditFields();
+    void Rebuild();
+
+    SmallText<kInlineTextSize> text_;
+    std::array<std::uint32_t, kKnownCommas + 1> commas_;  // the last is for all further ones
+    std::size_t star_ = 0;  // where the first "*" of the text is, or its end
+    std::array<char, 5> fullCommand_{};
+    bool hasCommand_ = false;
+    bool isDirty_ = false;
+    std::int32_t fieldCount_ = 0;
+    std::unique_ptr<FieldList> editedFields_;  // null while the fields are those of the text
+    std::string textWithLineEnd_;              // empty until asked for
+};
+
+}  // namespace kavrel

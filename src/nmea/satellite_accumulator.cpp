@@ -1,0 +1,175 @@
+#include "nmea/satellite_accumulator.h"
+
+#include <algorithm>
+#include <array>
+
+#include "base/number.h"
+
+namespace kavrel {
+namespace {
+
+// Fields of a GSV sentence: how many, which one, satellites in view, then four for each satellite
+// and, since NMEA 4.1, one for the signal.
+constexpr std::size_t kSentenceCountField = 1;
+constexpr std::size_t kSentenceNumberField = 2;
+constexpr std::size_t kFirstSatelliteField = 4;
+constexpr std::size_t kFieldsPerSatellite = 4;
+constexpr std::size_t kMaxFields = 24;
+
+std::int16_t ReadInt16(std::string_view text) {
+    return static_cast<std::int16_t>(ReadInteger(text));
+}
+
+// Where a lone field is left over behind the satellites, it is the signal.
+char SignalOf(std::span<const std::string_view> fields, std::size_t fieldCount) {
+    if (fieldCount < kFirstSatelliteField) return '\0';
+    const std::size_t rest = (fieldCount - kFirstSatelliteField + 1) % kFieldsPerSatellite;
+    if (rest != 1 || fields[fieldCount].empty()) return '\0';
+    return fields[fieldCount].front();
+}
+
+// The satellite with that number, added when there is none; null when there is no room.
+SatelliteValues* FindOrAdd(std::vector<SatelliteValues>& satellites, std::int32_t prn) {
+    for (SatelliteValues& satellite : satellites) {
+        if (satellite.prn == prn) return &satellite;
+    }
+    if (satellites.size() == SatelliteAccumulator::kMaxSatellitesPerSource) return nullptr;
+    satellites.push_back({.prn = prn});
+    return &satellites.back();
+}
+
+// Adds a satellite that another signal of its talker may have reported already.
+void Merge(std::vector<SatelliteValues>& picture, const SatelliteValues& satellite) {
+    for (SatelliteValues& known : picture) {
+        if (known.prn != satellite.prn || known.talker != satellite.talker) continue;
+        known.snrDb = std::max(known.snrDb, satellite.snrDb);
+        return;
+    }
+    picture.push_back(satellite);
+}
+
+}  // namespace
+
+bool SatelliteAccumulator::AddGsv(const NmeaSentence& gsv) {
+    if (gsv.Type() != SentenceType::Gsv) return false;
+    std::array<std::string_view, kMaxFields + 1> fields;
+    gsv.CopyFields(fields);
+    const std::size_t fieldCount = std::min(static_cast<std::size_t>(gsv.FieldCount()), kMaxFields);
+
+    Source& source = SourceFor(gsv.TalkerId(), SignalOf(fields, fieldCount));
+    if (!Gather(source, fields, fieldCount)) return false;
+    Complete(source);
+    return true;
+}
+
+// Takes in one sentence; true when it was the last of its group.
+bool SatelliteAccumulator::Gather(Source& source, std::span<const std::string_view> fields,
+                                  std::size_t fieldCount) {
+    const std::int32_t sentenceCount = ReadInteger(fields[kSentenceCountField]);
+    const std::int32_t number = ReadInteger(fields[kSentenceNumberField]);
+    if (number == 1) {
+        source.sentenceCount = sentenceCount;
+        source.nextSentence = 1;
+        source.gathered.clear();
+    }
+    if (number != source.nextSentence || sentenceCount != source.sentenceCount ||
+        number > sentenceCount) {
+        source.sentenceCount = 0;
+        return false;
+    }
+    ++source.nextSentence;
+
+    for (std::size_t at = kFirstSatelliteField; at + 1 <= fieldCount; at += kFieldsPerSatellite) {
+        const std::int32_t prn = ReadInteger(fields[at]);
+        SatelliteValues* const satellite = prn != 0 ? FindOrAdd(source.gathered, prn) : nullptr;
+        if (satellite == nullptr) continue;
+        satellite->talker = source.talker;
+        satellite->elevationDegrees = ReadInt16(fields[at + 1]);
+        satellite->azimuthDegrees = at + 2 <= fieldCount ? ReadInt16(fields[at + 2]) : 0;
+        satellite->snrDb = at + 3 <= fieldCount ? ReadInt16(fields[at + 3]) : 0;
+    }
+    return number == sentenceCount;
+}
+
+void SatelliteAccumulator::Complete(Source& source) {
+    std::swap(source.complete, source.gathered);
+    source.sentenceCount = 0;
+    source.previouslyCompletedAt = source.completedAt;
+    source.completedAt = ++groupsCompleted_;
+
+    // One leaves at a time: the one that fell silent last held the others until now.
+    const auto isSilent = [this](const Source& other) { return IsSilent(other); };
+    for (auto at = sources_.begin();
+         (at = std::find_if(sources_.begin(), sources_.end(), isSilent)) != sources_.end();) {
+        sources_.erase(at);
+    }
+    used_.EndRun();
+    BuildPicture();
+}
+
+bool SatelliteAccumulator::IsSilent(const Source& source) const {
+    if (source.completedAt == groupsCompleted_ || source.completedAt == 0) return false;
+    if (groupsCompleted_ - source.completedAt >= kMaxSilentGroups) return true;
+    return std::all_of(sources_.begin(), sources_.end(), [&](const Source& other) {
+        return &other == &source || other.completedAt == 0 ||
+               other.previouslyCompletedAt > source.completedAt;
+    });
+}
+
+SatelliteAccumulator::Source& SatelliteAccumulator::SourceFor(Talker talker, char signal) {
+    for (Source& source : sources_) {
+        if (source.talker == talker && source.signal == signal) return source;
+    }
+    if (sources_.size() == kMaxSources) {
+        // So many can only be garbage; the one that was silent for longest gives way.
+        sources_.erase(std::min_element(
+            sources_.begin(), sources_.end(),
+            [](const Source& a, const Source& b) { return a.completedAt < b.completedAt; }));
+    }
+    Source& source = sources_.emplace_back();
+    source.talker = talker;
+    source.signal = signal;
+    return source;
+}
+
+void SatelliteAccumulator::BuildPicture() {
+    picture_.clear();
+    for (auto source = sources_.begin(); source != sources_.end(); ++source) {
+        const bool isFurtherSignal =
+            std::any_of(sources_.begin(), source,
+                        [&](const Source& other) { return other.talker == source->talker; });
+        if (!isFurtherSignal) {
+            picture_.insert(picture_.end(), source->complete.begin(), source->complete.end());
+            continue;
+        }
+        for (const SatelliteValues& satellite : source->complete)
+            Merge(picture_, satellite);
+    }
+    MarkUsed();
+}
+
+// Sets the flags; true when one of them changed.
+bool SatelliteAccumulator::MarkUsed() {
+    bool hasChanged = false;
+    for (SatelliteValues& satellite : picture_) {
+        const bool isUsed = used_.Contains(satellite);
+        hasChanged = hasChanged || isUsed != satellite.isUsedForFix;
+        satellite.isUsedForFix = isUsed;
+    }
+    return hasChanged;
+}
+
+bool SatelliteAccumulator::AddGsa(const NmeaSentence& gsa, bool continuesRun) {
+    if (gsa.Type() != SentenceType::Gsa) return false;
+    used_.Add(gsa, continuesRun);
+    return MarkUsed();
+}
+
+void SatelliteAccumulator::Clear() {
+    sources_.clear();
+    used_.Clear();
+    picture_.clear();
+    groupsCompleted_ = 0;
+}
+
+}  // namespace kavrel

@@ -1,0 +1,42 @@
+// Manual-reset events, and waiting on several.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+#include "base/record.h"
+
+namespace kavrel {
+
+inline constexpr std::uint32_t kWaitForever = 0xFFFFFFFF;
+
+// The most events that one wait can take.
+inline constexpr std::size_t kMaxWaitEvents = 64;
+
+// An event is unsignalled when made and stays signalled until reset.
+// Thread safety: every member may be called from any thread.
+class Event final : public Record {
+  public:
+    Event();
+    ~Event() override;
+
+    void Signal();
+    void Reset();
+
+    // True when the event is, or within the time becomes, signalled. A time of 0 only looks.
+    bool Wait(std::uint32_t timeoutMs);
+
+  private:
+    friend std::optional<std::size_t> WaitAny(std::span<Event* const> events,
+                                              std::uint32_t timeoutMs);
+
+    void* handle_;
+};
+
+// Waits until one of the events is signalled and returns the index of the first that is, or nothing
+// when the time is over. REQUIRES: 1 to kMaxWaitEvents events. Resets nothing.
+std::optional<std::size_t> WaitAny(std::span<Event* const> events, std::uint32_t timeoutMs);
+
+}  // namespace kavrel

@@ -1,0 +1,46 @@
+#include "results/satellites.h"
+
+#include <memory>
+
+namespace kavrel {
+
+Satellite::Satellite(const SatelliteValues& values) : values_(values) {
+    OverwriteSerialNumber(static_cast<std::uint32_t>(values.prn));
+}
+
+std::int16_t Satellite::Id() {
+    error().Clear();
+    return static_cast<std::int16_t>(serialNumber());
+}
+
+std::int16_t Satellites::Count() {
+    error().Clear();
+    return static_cast<std::int16_t>(picture_.size());
+}
+
+Ref<Satellite> Satellites::Item(std::int32_t index) {
+    error().Clear();
+    if (index < 1 || static_cast<std::size_t>(index) > picture_.size()) {
+        error().Set(kErrorIndexOutOfBounds, Message::IndexOutOfBounds);
+        return nullptr;
+    }
+    return MakeItems()[static_cast<std::size_t>(index - 1)];
+}
+
+const Satellites::Items& Satellites::MakeItems() {
+    Items* known = items_.load(std::memory_order_acquire);
+    if (known != nullptr) return *known;
+
+    auto items = std::make_unique<Items>();
+    items->reserve(picture_.size());
+    for (const SatelliteValues& satellite : picture_) {
+        items->push_back(MakeRef<Satellite>(satellite));
+    }
+    // Whoever comes second uses what the first one made.
+    if (items_.compare_exchange_strong(known, items.get(), std::memory_order_acq_rel)) {
+        return *items.release();
+    }
+    return *known;
+}
+
+}  // namespace kavrel

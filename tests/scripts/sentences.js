@@ -1,0 +1,48 @@
+// Sentences by events, in a host whose scripts receive them.
+var parser = new ActiveXObject("KavrelCE.NmeaParser");
+var log = "";
+var kept = null;
+WScript.ConnectObject(parser, "parser_");
+
+function parser_Generic(sentence) {
+    kept = sentence;
+    var n = sentence.FieldsCount;
+    log += sentence.FullCommand + " " + n;
+    if (n > 0) log += " " + sentence.Fields(n);
+    log += ";";
+}
+
+function same(what, found, wanted) {
+    if (found === wanted) return;
+    WScript.Echo(what + ": '" + found + "' instead of '" + wanted + "'");
+    WScript.Quit(1);
+}
+
+parser.Parse("$GPXXX,a,b\r\n$PGRME,1\r\n$GPX");
+parser.Parse("YY\r");
+parser.Parse("\n");
+same("events", log, "GPXXX 2 b;PGRME 1 1;GPXYY 0;");
+
+kept.Sentence = "$GPXXX,1,2";
+kept.SetField(3, "three");
+same("text", kept.Sentence, "$GPXXX,1,2,three*0E");
+kept.Command = "RMC";
+same("full command", kept.FullCommand, "GPRMC");
+var number = 0;
+try {
+    kept.Fields(4);
+} catch (error) {
+    number = error.number >>> 0;
+    same("description", error.description, "Index out of bounds");
+}
+same("number", number, 0x80042714);
+
+// The sentence outlives the parser.
+log = "";
+WScript.DisconnectObject(parser);
+parser.Parse("$GPXXX\r\n");
+same("silence", log, "");
+parser = null;
+same("kept", kept.Fields(3), "three");
+
+WScript.Echo("SCRIPT OK");

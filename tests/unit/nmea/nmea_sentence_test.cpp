@@ -1,0 +1,360 @@
+#include "nmea/nmea_sentence.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "unit/nmea/reference_sentence.h"
+#include "unit/nmea/sentence_text.h"
+
+namespace kavrel {
+namespace {
+
+class NmeaSentenceTest : public testing::Test {
+  protected:
+    void ExpectNoError() { EXPECT_EQ(sentence_->error().code(), kNoError); }
+    void ExpectError(ErrorCode code, std::string_view text) {
+        EXPECT_EQ(sentence_->error().code(), code);
+        EXPECT_EQ(sentence_->error().text(), text);
+    }
+    void ExpectFields(const std::vector<std::string_view>& fields) {
+        ASSERT_EQ(sentence_->FieldCount(), static_cast<std::int32_t>(fields.size()));
+        for (std::size_t i = 0; i < fields.size(); ++i) {
+            EXPECT_EQ(sentence_->Field(static_cast<std::int32_t>(i + 1)), fields[i]) << i + 1;
+            ExpectNoError();
+        }
+    }
+    void ExpectEmpty() {
+        EXPECT_EQ(sentence_->Text(), "");
+        EXPECT_EQ(sentence_->FieldCount(), 0);
+        EXPECT_EQ(sentence_->Command(), "");
+        EXPECT_EQ(sentence_->FullCommand(), "");
+        EXPECT_EQ(sentence_->Type(), SentenceType::Other);
+    }
+
+    Ref<NmeaSentence> sentence_ = MakeRef<NmeaSentence>();
+};
+
+TEST_F(NmeaSentenceTest, IsEmptyAtFirst) {
+    ExpectEmpty();
+    EXPECT_EQ(sentence_->TextWithLineEnd(), "\r\n");
+    ExpectNoError();
+}
+
+TEST_F(NmeaSentenceTest, ReadsATextUnchanged) {
+    const std::string text = "$GPGGA,123519,4807.038,N,,*47";  // the checksum does not matter here
+    sentence_->SetText(text);
+    EXPECT_EQ(sentence_->Text(), text);
+    EXPECT_EQ(sentence_->TextWithLineEnd(), text + "\r\n");
+    EXPECT_EQ(sentence_->Command(), "GGA");
+    EXPECT_EQ(sentence_->FullCommand(), "GPGGA");
+    ExpectFields({"123519", "4807.038", "N", "", ""});
+}
+
+TEST_F(NmeaSentenceTest, TextsOfAnyShape) {
+    const struct {
+        std::string_view text;
+        std::string_view fullCommand;
+        std::vector<std::string_view> fields;
+    } kCases[] = {
+        {"$GPGGA", "GPGGA", {}},
+        {"$GPGGA,,,", "GPGGA", {"", "", ""}},
+        {"$GPGGA,a", "GPGGA", {"a"}},
+        {"$GPGGA*56", "GPGGA", {}},
+        {"$GPGGA,a*b,c", "GPGGA", {"a", "c"}},  // a comma behind the "*" opens a field, too
+        {"$GPGGA,*,*", "GPGGA", {"", ""}},
+        {"!AIVDM,1", "AIVDM", {"1"}},
+        {"$G,,,,", "G,,,,", {"", "", "", ""}},  // commas in the address count
+        {"$PG,A,b", "PG,A,", {"A", "b"}},
+        {"$GPGGA,a\r,b", "GPGGA", {"a\r", "b"}},
+    };
+    for (const auto& each : kCases) {
+        sentence_->SetText(each.text);
+        EXPECT_EQ(sentence_->Text(), each.text);
+        EXPECT_EQ(sentence_->FullCommand(), each.fullCommand) << each.text;
+        EXPECT_EQ(sentence_->Command(), each.fullCommand.substr(2)) << each.text;
+        ExpectFields(each.fields);
+    }
+}
+
+TEST_F(NmeaSentenceTest, AShortTextLeavesItEmpty) {
+    for (const std::string_view text : {"", "$", "$GPGG", "$,,,,"}) {
+        sentence_->SetText("$GPGGA,1,2*00");
+        sentence_->SetField(1, "x");
+        sentence_->SetText(text);
+        ExpectEmpty();
+        EXPECT_EQ(sentence_->TextWithLineEnd(), "\r\n");
+        ExpectNoError();
+    }
+    sentence_->SetText({});
+    ExpectEmpty();
+}
+
+TEST_F(NmeaSentenceTest, TakesATextInTwoRuns) {
+    const std::string text = "$GPGGA,12,34*56";
+    for (std::size_t split = 0; split <= text.size(); ++split) {
+        sentence_->SetText(text.substr(0, split), text.substr(split));
+        EXPECT_EQ(sentence_->Text(), text);
+        EXPECT_EQ(sentence_->FullCommand(), "GPGGA");
+        ExpectFields({"12", "34"});
+    }
+}
+
+TEST_F(NmeaSentenceTest, IndexesOutOfBounds) {
+    sentence_->SetText("$GPGGA,,,");
+    const std::int32_t kIndexes[] = {0,
+                                     4,
+                                     -1,
+                                     127,
+                                     128,
+                                     255,
+                                     256,
+                                     -253 - 256 * 3 + 1,
+                                     std::numeric_limits<int>::min(),
+                                     std::numeric_limits<int>::max()};
+    for (const std::int32_t index : kIndexes) {
+        if (static_cast<unsigned char>(index) >= 1 && static_cast<unsigned char>(index) <= 3)
+            continue;
+        EXPECT_EQ(sentence_->Field(index), "");
+        ExpectError(10004, "Index out of bounds");
+    }
+    EXPECT_EQ(sentence_->Text(), "$GPGGA,,,");
+    ExpectNoError();
+}
+
+TEST_F(NmeaSentenceTest, IndexesAreCutToEightBits) {
+    std::string text = "$GPGGA";
+    for (int i = 1; i <= 300; ++i)
+        text += ",f" + std::to_string(i);
+    sentence_->SetText(text);
+    ASSERT_EQ(sentence_->FieldCount(), 300);
+    EXPECT_EQ(sentence_->Field(1), "f1");
+    EXPECT_EQ(sentence_->Field(257), "f1");
+    EXPECT_EQ(sentence_->Field(-255), "f1");
+    EXPECT_EQ(sentence_->Field(65536 + 127), "f127");
+    ExpectNoError();
+    for (const std::int32_t index : {128, 200, 300 - 256 + 128}) {
+        EXPECT_EQ(sentence_->Field(index), "") << index;
+        ExpectError(10004, "Index out of bounds");
+    }
+    // The decoders' access knows no such limit.
+    for (std::int32_t number = 1; number <= 300; ++number) {
+        EXPECT_EQ(sentence_->FieldOrEmpty(number), "f" + std::to_string(number));
+    }
+    for (const std::int32_t number : {0, -1, 301})
+        EXPECT_EQ(sentence_->FieldOrEmpty(number), "");
+}
+
+TEST_F(NmeaSentenceTest, SetFieldFillsTheGap) {
+    sentence_->SetText("$GPGGA,a,b*00");
+    EXPECT_EQ(sentence_->TextWithLineEnd(), "$GPGGA,a,b*00\r\n");
+    sentence_->SetField(5, "x");
+    ExpectFields({"a", "b", "", "", "x"});
+    EXPECT_EQ(sentence_->Text(), Sentence("GPGGA,a,b,,,x"));
+    EXPECT_EQ(sentence_->TextWithLineEnd(), Sentence("GPGGA,a,b,,,x") + "\r\n");
+
+    sentence_->SetField(1, "");
+    EXPECT_EQ(sentence_->TextWithLineEnd(), Sentence("GPGGA,,b,,,x") + "\r\n");
+    EXPECT_EQ(sentence_->Text(), Sentence("GPGGA,,b,,,x"));
+}
+
+// 24 fields are found by a table, the others by walking the text.
+TEST_F(NmeaSentenceTest, ChangesOneOfManyFields) {
+    for (const int count : {23, 24, 25, 60}) {
+        for (int changed = 1; changed <= count; ++changed) {
+            std::string text = "$GPGGA";
+            std::string expected = "GPGGA";
+            for (int i = 1; i <= count; ++i) {
+                const std::string field = "," + std::to_string(i % 10);
+                text += field;
+                expected += i == changed ? ",new" : field;
+            }
+            sentence_->SetText(text);
+            sentence_->SetField(changed, "new");
+            EXPECT_EQ(sentence_->Text(), Sentence(expected)) << changed << " of " << count;
+        }
+    }
+}
+
+TEST_F(NmeaSentenceTest, NumbersBelowOneAreKeptOutOfTheText) {
+    sentence_->SetText("$GPGGA,a");
+    for (const std::int32_t number : {0, -5, std::numeric_limits<std::int32_t>::min()}) {
+        sentence_->SetField(number, "hidden");
+        ExpectNoError();
+        EXPECT_EQ(sentence_->FieldCount(), 1);
+        EXPECT_EQ(sentence_->Text(), Sentence("GPGGA,a"));
+        EXPECT_EQ(sentence_->Field(number), "");
+        ExpectError(10004, "Index out of bounds");
+    }
+}
+
+TEST_F(NmeaSentenceTest, AHugeNumberFillsTheTextWithCommas) {
+    for (const std::int32_t number : {100000, std::numeric_limits<std::int32_t>::max()}) {
+        sentence_->SetText("$GPGGA,a");
+        sentence_->SetField(number, "never seen");
+        EXPECT_EQ(sentence_->FieldCount(), number);
+        EXPECT_EQ(sentence_->Text(), "$GPGGA,a" + std::string(255 - 8, ','));
+        EXPECT_EQ(sentence_->FieldOrEmpty(number), "never seen");
+    }
+}
+
+TEST_F(NmeaSentenceTest, ALongTextIsCutAndLosesItsChecksum) {
+    for (std::size_t length = 240; length < 270; ++length) {
+        const std::string body = "GPGGA," + std::string(length - 7, 'x');
+        sentence_->SetText("$GPGGA");
+        sentence_->SetField(1, std::string_view(body).substr(6));
+        const std::string uncut = "$" + body;
+        // "*" and two digits are added as long as the text without them is at most 252 long.
+        EXPECT_EQ(sentence_->Text(), length <= 252 ? Sentence(body) : uncut.substr(0, 255))
+            << length;
+        EXPECT_EQ(sentence_->Field(1).size(), length - 7);
+    }
+}
+
+TEST_F(NmeaSentenceTest, AValueIsWrittenAsItIs) {
+    sentence_->SetText("$GPGGA,a,b");
+    sentence_->SetField(1, "x,y*z");
+    EXPECT_EQ(sentence_->Text(), Sentence("GPGGA,x,y*z,b"));
+    EXPECT_EQ(sentence_->FieldCount(), 2);
+    EXPECT_EQ(sentence_->Field(1), "x,y*z");
+    EXPECT_EQ(sentence_->Field(2), "b");
+}
+
+TEST_F(NmeaSentenceTest, AValueMayComeFromTheSentenceItself) {
+    sentence_->SetText("$GPGGA,first,second");
+    sentence_->SetField(2, sentence_->Field(1));
+    sentence_->SetField(3, sentence_->Field(2));
+    sentence_->SetField(3, sentence_->Field(3));
+    ExpectFields({"first", "first", "first"});
+    sentence_->SetCommand(sentence_->Command());
+    EXPECT_EQ(sentence_->FullCommand(), "GPGGA");
+    sentence_->SetCommand(sentence_->FullCommand());
+    EXPECT_EQ(sentence_->Text(), Sentence("GPGGA,first,first,first"));
+}
+
+TEST_F(NmeaSentenceTest, BuildsFromNothing) {
+    sentence_->SetField(2, "b");
+    EXPECT_EQ(sentence_->FieldCount(), 2);
+    EXPECT_EQ(sentence_->Text(), Sentence(",,b"));
+    sentence_->SetCommand("RMC");
+    EXPECT_EQ(sentence_->Text(), Sentence("GPRMC,,b"));
+}
+
+TEST_F(NmeaSentenceTest, SetsTheCommand) {
+    const struct {
+        std::string_view command;
+        std::string_view expectedCommand;
+        std::string_view expectedFullCommand;
+    } kCases[] = {
+        {"RMC", "RMC", "GPRMC"},
+        {"PGRME", "RME", "PGRME"},
+        {"rmc", "rmc", "GPrmc"},
+        {"GLGSV", "GSV", "GLGSV"},
+    };
+    for (const auto& each : kCases) {
+        sentence_->SetText("$GNGGA,a,b*00");
+        sentence_->SetCommand(each.command);
+        ExpectNoError();
+        EXPECT_EQ(sentence_->Command(), each.expectedCommand);
+        EXPECT_EQ(sentence_->FullCommand(), each.expectedFullCommand);
+        EXPECT_EQ(sentence_->Text(), Sentence(std::string(each.expectedFullCommand) + ",a,b"));
+        ExpectFields({"a", "b"});
+    }
+}
+
+TEST_F(NmeaSentenceTest, RefusesOtherCommands) {
+    sentence_->SetText("$GNGGA,a*00");
+    for (const std::string_view command : {"", "GG", "GPGG", "GPGGAA"}) {
+        sentence_->SetCommand(command);
+        ExpectError(10003, "Command must be 3 or 5 characters long");
+    }
+    sentence_->SetCommand(std::string_view());
+    ExpectError(10003, "Null command not allowed");
+    EXPECT_EQ(sentence_->FullCommand(), "GNGGA");
+    EXPECT_EQ(sentence_->Text(), "$GNGGA,a*00");  // not rebuilt: nothing changed
+    ExpectNoError();
+}
+
+TEST_F(NmeaSentenceTest, ANewTextForgetsTheChanges) {
+    sentence_->SetText("$GPGGA,a,b,c");
+    sentence_->SetField(0, "hidden");
+    sentence_->SetField(9, "x");
+    sentence_->SetCommand("PGRME");
+    EXPECT_EQ(sentence_->Text(), Sentence("PGRME,a,b,c,,,,,,x"));
+    sentence_->SetText("$GPRMC,d*00");
+    EXPECT_EQ(sentence_->Text(), "$GPRMC,d*00");
+    EXPECT_EQ(sentence_->FullCommand(), "GPRMC");
+    ExpectFields({"d"});
+    EXPECT_EQ(sentence_->FieldOrEmpty(0), "");
+}
+
+TEST_F(NmeaSentenceTest, TypesAreTheFormattersInEitherCase) {
+    const struct {
+        std::string_view text;
+        int type;
+    } kCases[] = {
+        {"$GPRMC", 1}, {"$GNGLL", 2},    {"$GPGGA", 3}, {"$GLGSV", 4}, {"$GPGSA", 5},
+        {"$GPVTG", 6}, {"$gprmc", 1},    {"$GPgGa", 3}, {"$GPZDA", 0}, {"$PGRME", 0},
+        {"$RMCxx", 0}, {"$GP\x92MC", 0}, {"$GP2MC", 0}, {"", 0},
+    };
+    for (const auto& each : kCases) {
+        sentence_->SetText(each.text);
+        EXPECT_EQ(static_cast<int>(sentence_->Type()), each.type) << each.text;
+    }
+}
+
+// Random operations against the rules in their plainest form.
+TEST_F(NmeaSentenceTest, AgreesWithTheRules) {
+    std::mt19937_64 random(5);
+    ReferenceSentence reference;
+    const auto text = [&random](std::size_t limit) {
+        constexpr std::string_view kAlphabet = "$,,,*AGP1.x\xE4";
+        std::string result(random() % limit, '\0');
+        for (char& c : result)
+            c = kAlphabet[random() % kAlphabet.size()];
+        return result;
+    };
+    for (int round = 0; round < 100000; ++round) {
+        switch (random() % 6) {
+            case 0: {
+                const std::string value = text(random() % 16 == 0 ? 400 : 60);
+                sentence_->SetText(value);
+                reference.SetText(value);
+                break;
+            }
+            case 1: {
+                const auto number = static_cast<std::int32_t>(random() % 40) - 3;
+                const std::string value = text(12);
+                sentence_->SetField(number, value);
+                reference.SetField(number, value);
+                break;
+            }
+            case 2: {
+                const std::string command = text(7);
+                sentence_->SetCommand(command);
+                ASSERT_EQ(!sentence_->error().IsSet(), reference.SetCommand(command)) << command;
+                break;
+            }
+            case 3: {
+                const auto index = static_cast<std::int32_t>(random() % 600) - 300;
+                std::string expected;
+                const bool isInBounds = reference.Field(index, expected);
+                ASSERT_EQ(sentence_->Field(index), expected);
+                ASSERT_EQ(!sentence_->error().IsSet(), isInBounds);
+                break;
+            }
+            default:
+                ASSERT_EQ(sentence_->Text(), reference.Text());
+                ASSERT_EQ(sentence_->TextWithLineEnd(), reference.Text() + "\r\n");
+        }
+        ASSERT_EQ(sentence_->FieldCount(), reference.FieldCount());
+        ASSERT_EQ(sentence_->FullCommand(), reference.FullCommand());
+    }
+}
+
+}  // namespace
+}  // namespace kavrel

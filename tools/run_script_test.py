@@ -1,0 +1,54 @@
+#!/usr/bin/env python3
+"""Runs one script under Wine and judges it by its output.
+
+    run_script_test.py <prefix folder> <script> <host> [host option]... -- [script argument]...
+
+The hosts end with exit code 0 even on an unhandled script error, so a script passes only when the
+last line it prints is "SCRIPT OK". When <script without extension>.expected exists beside it, the
+whole output must equal that file.
+"""
+
+import difflib
+import subprocess
+import sys
+from pathlib import Path
+
+MARKER = "SCRIPT OK"
+TIMEOUT_SECONDS = 90
+
+
+def main():
+    if len(sys.argv) < 5 or "--" not in sys.argv:
+        return __doc__
+    prefix, script = str(Path(sys.argv[1]).resolve()), Path(sys.argv[2])
+    split = sys.argv.index("--")
+    host, arguments = sys.argv[3:split], sys.argv[split + 1 :]
+
+    runner = Path(__file__).with_name("run-wine")
+    # A relative name: the hosts would take a path's leading slash for an option.
+    command = [str(runner), prefix, *host, script.name, *arguments]
+    done = subprocess.run(
+        command, cwd=script.parent, capture_output=True, timeout=TIMEOUT_SECONDS, check=False
+    )
+    output = done.stdout.decode("utf-8", "replace").replace("\r\n", "\n")
+    errors = done.stderr.decode("utf-8", "replace").replace("\r\n", "\n")
+    print(output, end="")
+    print(errors, end="", file=sys.stderr)
+
+    if done.returncode:
+        return f"{script.name}: exit code {done.returncode}"
+    lines = output.splitlines()
+    if not lines or lines[-1] != MARKER:
+        return f"{script.name}: the last line is not {MARKER!r}: the script stopped early"
+    expected = script.with_suffix(".expected")
+    if expected.exists() and output != (wanted := expected.read_text(encoding="utf-8")):
+        return "".join(
+            difflib.unified_diff(
+                wanted.splitlines(True), output.splitlines(True), str(expected), "output"
+            )
+        )
+    return None
+
+
+if __name__ == "__main__":
+    sys.exit(main())
