@@ -3,8 +3,16 @@
 #include <new>
 #include <utility>
 
-#include "automation/nmea_sentence_object.h"
-#include "frame/variant_in.h"
+#include "KavrelCE_h.h"
+#include "automation/com_status_object.h"
+#include "automation/gps_fix_object.h"
+#include "automation/movement_object.h"
+#include "automation/parser_events.h"
+#include "automation/quality_object.h"
+#include "automation/satellites_object.h"
+#include "frame/automation_object.h"
+#include "frame/event_source.h"
+#include "parser/nmea_parser.h"
 
 namespace kavrel {
 namespace {
@@ -30,110 +38,91 @@ constexpr Member kMembers[] = {
 constexpr ClassDescription kClass = {CLSID_NmeaParser, IID_INmeaParser, &DIID__INmeaParserEvents,
                                      kMembers};
 
-constexpr DISPID kGenericEvent = 1;
+class NmeaParserObject final : public AutomationObject<INmeaParser, NmeaParser, EventSource> {
+  public:
+    explicit NmeaParserObject(Ref<NmeaParser> record)
+        : AutomationObject(kClass, std::move(record)) {}
+
+    STDMETHOD(Parse)(VARIANT sentence) override {
+        // The receiver of an event may drop the client's last reference.
+        const auto keepAlive = ComRef<INmeaParser>::Share(this);
+        return Do([&] { record().Parse(TextArgument(sentence).view()); });
+    }
+    STDMETHOD(put_AllEventsGeneric)(VARIANT value) override {
+        return PutBy<&NmeaParser::SetAllEventsGeneric>(value);
+    }
+    STDMETHOD(put_GpsDatum)(VARIANT value) override {
+        return PutBy<&NmeaParser::SetGpsDatum>(value);
+    }
+    STDMETHOD(put_ComPort)(VARIANT value) override {
+        return Do([&] { record().SetComPort(ToInt16(value)); });
+    }
+    STDMETHOD(put_BaudRate)(VARIANT value) override {
+        return PutBy<&NmeaParser::SetBaudRate>(value);
+    }
+    STDMETHOD(put_PortEnabled)(VARIANT) override { return NotImplemented(); }
+    STDMETHOD(put_NoEvents)(VARIANT value) override {
+        return PutBy<&NmeaParser::SetNoEvents>(value);
+    }
+    STDMETHOD(GetGpsFix)(VARIANT timeOut, VARIANT fixType, VARIANT* result) override {
+        return Return(result, [&] {
+            return WrapGpsFix(record().GetGpsFix(ToInt32(timeOut), ToInt16(fixType)));
+        });
+    }
+    STDMETHOD(GetSatellites)(VARIANT timeOut, VARIANT* result) override {
+        return Return(result,
+                      [&] { return WrapSatellites(record().GetSatellites(ToInt32(timeOut))); });
+    }
+    STDMETHOD(GetMovement)(VARIANT timeOut, VARIANT* result) override {
+        return Return(result, [&] { return WrapMovement(record().GetMovement(ToInt32(timeOut))); });
+    }
+    STDMETHOD(GetQuality)(VARIANT timeOut, VARIANT* result) override {
+        return Return(result, [&] { return WrapQuality(record().GetQuality(ToInt32(timeOut))); });
+    }
+    STDMETHOD(GetComStatus)(VARIANT* result) override {
+        return Return(result, [&] { return WrapComStatus(record().GetComStatus()); });
+    }
+    STDMETHOD(WriteData)(VARIANT) override { return NotImplemented(); }
+    STDMETHOD(put_ChecksumMandatory)(VARIANT value) override {
+        return PutBy<&NmeaParser::SetChecksumMandatory>(value);
+    }
+    STDMETHOD(EventInterval)(VARIANT interval, VARIANT eventType) override {
+        return Do([&] { record().SetEventInterval(ToInt32(interval), ToInt32(eventType)); });
+    }
+
+  private:
+    ~NmeaParserObject() override { record().SetEventSink({}); }
+
+    HRESULT QueryFurtherInterface(REFIID id, void** object) override {
+        *object = nullptr;
+        if (!IsEqualIID(id, IID_IConnectionPointContainer)) return E_NOINTERFACE;
+        *object = static_cast<IConnectionPointContainer*>(this);
+        AddRef();
+        return S_OK;
+    }
+
+    // The engine raises events, and decodes for them, for as long as somebody listens.
+    void OnSinksChanged(bool hasSinks) override {
+        EventSink sink;
+        if (hasSinks) {
+            sink.context = this;
+            sink.callbacks.fill(&NmeaParserObject::OnEvent);
+        }
+        record().SetEventSink(sink);
+    }
+
+    static void OnEvent(void* context, ParserEvent event, Record& object) {
+        RaiseParserEvent(static_cast<NmeaParserObject*>(context)->connectionPoint(), event, object);
+    }
+};
 
 }  // namespace
 
-NmeaParserObject::NmeaParserObject(Ref<NmeaParser> parser)
-    : AutomationObject(kClass, std::move(parser)) {}
-
-NmeaParserObject::~NmeaParserObject() {
-    record().SetEventSink({});
-}
-
-ComRef<IUnknown> NmeaParserObject::Create() {
-    Ref<NmeaParser> parser = TryMakeRef<NmeaParser>();
-    if (!parser) return nullptr;
-    INmeaParser* const object = new (std::nothrow) NmeaParserObject(std::move(parser));
+ComRef<IUnknown> CreateNmeaParserObject() {
+    Ref<NmeaParser> record = TryMakeRef<NmeaParser>();
+    if (!record) return nullptr;
+    INmeaParser* const object = new (std::nothrow) NmeaParserObject(std::move(record));
     return ComRef<IUnknown>::Adopt(object);
-}
-
-HRESULT NmeaParserObject::QueryFurtherInterface(REFIID id, void** object) {
-    *object = nullptr;
-    if (!IsEqualIID(id, IID_IConnectionPointContainer)) return E_NOINTERFACE;
-    *object = static_cast<IConnectionPointContainer*>(this);
-    AddRef();
-    return S_OK;
-}
-
-void NmeaParserObject::OnSinksChanged(bool hasSinks) {
-    EventSink sink;
-    if (hasSinks) {
-        sink.context = this;
-        sink.callbacks.fill(&NmeaParserObject::OnEvent);
-    }
-    record().SetEventSink(sink);
-}
-
-void NmeaParserObject::OnEvent(void* context, ParserEvent event, Record& object) {
-    if (event != ParserEvent::Generic) return;
-    auto& self = *static_cast<NmeaParserObject*>(context);
-    const ComRef<IDispatch> sentence =
-        NmeaSentenceObject::Create(Ref<NmeaSentence>::Share(static_cast<NmeaSentence*>(&object)));
-    IDispatch* const arguments[] = {sentence.get()};
-    self.connectionPoint().Raise(kGenericEvent, arguments);
-}
-
-STDMETHODIMP NmeaParserObject::Parse(VARIANT sentence) {
-    // An event's receiver may drop the client's last reference.
-    const auto keepAlive = ComRef<INmeaParser>::Share(this);
-    return Do([&] { record().Parse(TextArgument(sentence).view()); });
-}
-
-STDMETHODIMP NmeaParserObject::put_AllEventsGeneric(VARIANT value) {
-    return Do([&] { record().SetAllEventsGeneric(ToBool(value)); });
-}
-
-STDMETHODIMP NmeaParserObject::put_GpsDatum(VARIANT value) {
-    return Do([&] { record().SetGpsDatum(ToInt16(value)); });
-}
-
-STDMETHODIMP NmeaParserObject::put_ComPort(VARIANT value) {
-    return Do([&] { record().SetComPort(ToInt16(value)); });
-}
-
-STDMETHODIMP NmeaParserObject::put_BaudRate(VARIANT value) {
-    return Do([&] { record().SetBaudRate(ToInt32(value)); });
-}
-
-STDMETHODIMP NmeaParserObject::put_PortEnabled(VARIANT) {
-    return NotImplemented();
-}
-
-STDMETHODIMP NmeaParserObject::put_NoEvents(VARIANT value) {
-    return Do([&] { record().SetNoEvents(ToBool(value)); });
-}
-
-STDMETHODIMP NmeaParserObject::GetGpsFix(VARIANT, VARIANT, VARIANT*) {
-    return NotImplemented();
-}
-
-STDMETHODIMP NmeaParserObject::GetSatellites(VARIANT, VARIANT*) {
-    return NotImplemented();
-}
-
-STDMETHODIMP NmeaParserObject::GetMovement(VARIANT, VARIANT*) {
-    return NotImplemented();
-}
-
-STDMETHODIMP NmeaParserObject::GetQuality(VARIANT, VARIANT*) {
-    return NotImplemented();
-}
-
-STDMETHODIMP NmeaParserObject::GetComStatus(VARIANT*) {
-    return NotImplemented();
-}
-
-STDMETHODIMP NmeaParserObject::WriteData(VARIANT) {
-    return NotImplemented();
-}
-
-STDMETHODIMP NmeaParserObject::put_ChecksumMandatory(VARIANT value) {
-    return Do([&] { record().SetChecksumMandatory(ToBool(value)); });
-}
-
-STDMETHODIMP NmeaParserObject::EventInterval(VARIANT interval, VARIANT eventType) {
-    return Do([&] { record().SetEventInterval(ToInt32(interval), ToInt32(eventType)); });
 }
 
 }  // namespace kavrel

@@ -3,7 +3,8 @@
 #include <new>
 #include <utility>
 
-#include "frame/variant_in.h"
+#include "KavrelCE_h.h"
+#include "frame/automation_object.h"
 
 namespace kavrel {
 namespace {
@@ -22,50 +23,42 @@ constexpr Member kMembers[] = {
 
 constexpr ClassDescription kClass = {CLSID_NmeaSentence, IID_INmeaSentence, nullptr, kMembers};
 
+class NmeaSentenceObject final : public AutomationObject<INmeaSentence, NmeaSentence> {
+  public:
+    explicit NmeaSentenceObject(Ref<NmeaSentence> record)
+        : AutomationObject(kClass, std::move(record)) {}
+
+    STDMETHOD(get_Sentence)(VARIANT* result) override { return GetBy<&NmeaSentence::Text>(result); }
+    STDMETHOD(put_Sentence)(VARIANT value) override {
+        return Do([&] { record().SetText(TextArgument(value).view()); });
+    }
+    STDMETHOD(Fields)(VARIANT index, VARIANT* result) override {
+        return Return(result, [&] { return record().Field(ToInt16(index)); });
+    }
+    STDMETHOD(get_FieldsCount)(VARIANT* result) override {
+        return GetBy<&NmeaSentence::FieldCount>(result);
+    }
+    STDMETHOD(get_Command)(VARIANT* result) override {
+        return GetBy<&NmeaSentence::Command>(result);
+    }
+    STDMETHOD(put_Command)(VARIANT value) override {
+        return Do([&] { record().SetCommand(TextArgument(value).view()); });
+    }
+    STDMETHOD(get_FullCommand)(VARIANT* result) override {
+        return GetBy<&NmeaSentence::FullCommand>(result);
+    }
+    // The same operation as Command: both take 3 or 5 characters.
+    STDMETHOD(put_FullCommand)(VARIANT value) override { return put_Command(value); }
+    STDMETHOD(SetField)(VARIANT index, VARIANT value) override {
+        return Do([&] { record().SetField(ToInt16(index), TextArgument(value).view()); });
+    }
+};
+
 }  // namespace
 
-NmeaSentenceObject::NmeaSentenceObject(Ref<NmeaSentence> sentence)
-    : AutomationObject(kClass, std::move(sentence)) {}
-
-ComRef<IDispatch> NmeaSentenceObject::Create(Ref<NmeaSentence> sentence) {
-    return ComRef<IDispatch>::Adopt(new (std::nothrow) NmeaSentenceObject(std::move(sentence)));
-}
-
-STDMETHODIMP NmeaSentenceObject::get_Sentence(VARIANT* result) {
-    return Return(result, [&] { return record().Text(); });
-}
-
-STDMETHODIMP NmeaSentenceObject::put_Sentence(VARIANT value) {
-    return Do([&] { record().SetText(TextArgument(value).view()); });
-}
-
-STDMETHODIMP NmeaSentenceObject::Fields(VARIANT index, VARIANT* result) {
-    return Return(result, [&] { return record().Field(ToInt16(index)); });
-}
-
-STDMETHODIMP NmeaSentenceObject::get_FieldsCount(VARIANT* result) {
-    return Return(result, [&] { return record().FieldCount(); });
-}
-
-STDMETHODIMP NmeaSentenceObject::get_Command(VARIANT* result) {
-    return Return(result, [&] { return record().Command(); });
-}
-
-STDMETHODIMP NmeaSentenceObject::put_Command(VARIANT value) {
-    return Do([&] { record().SetCommand(TextArgument(value).view()); });
-}
-
-STDMETHODIMP NmeaSentenceObject::get_FullCommand(VARIANT* result) {
-    return Return(result, [&] { return record().FullCommand(); });
-}
-
-// The same operation as Command: both take 3 or 5 characters.
-STDMETHODIMP NmeaSentenceObject::put_FullCommand(VARIANT value) {
-    return put_Command(value);
-}
-
-STDMETHODIMP NmeaSentenceObject::SetField(VARIANT index, VARIANT value) {
-    return Do([&] { record().SetField(ToInt16(index), TextArgument(value).view()); });
+ComRef<IDispatch> WrapNmeaSentence(Ref<NmeaSentence> record) {
+    if (!record) return nullptr;
+    return ComRef<IDispatch>::Adopt(new (std::nothrow) NmeaSentenceObject(std::move(record)));
 }
 
 }  // namespace kavrel

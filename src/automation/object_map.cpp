@@ -11,7 +11,7 @@ namespace kavrel {
 namespace {
 
 constexpr ObjectMapEntry kObjectMap[] = {
-    {CLSID_NmeaParser, kScriptNmeaParser, &NmeaParserObject::Create},
+    {CLSID_NmeaParser, kScriptNmeaParser, &CreateNmeaParserObject},
     {CLSID_Position, kScriptPosition, &CreatePositionObject},
     {CLSID_CustomGrid, kScriptCustomGrid, &CreateCustomGridObject},
     {CLSID_CustomDatum, kScriptCustomDatum, &CreateCustomDatumObject},

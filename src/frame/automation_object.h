@@ -137,9 +137,11 @@ class AutomationObject : public Interface,
         return E_NOINTERFACE;
     }
 
-    // A member without a result: runs the operation and checks the record's error.
+    // A member without a result: runs the operation and checks the record's error. Operations that
+    // cannot fail do not clear the error of an earlier one, so it is done here for all.
     template <typename Operation>
     HRESULT Do(Operation&& operation) {
+        record_->error().Clear();
         operation();
         return Check(record_->error());
     }
@@ -148,6 +150,7 @@ class AutomationObject : public Interface,
     template <typename Operation>
     HRESULT Return(VARIANT* result, Operation&& operation) {
         if (result == nullptr) return E_POINTER;
+        record_->error().Clear();
         SetVariant(*result, operation());
         return Check(record_->error());
     }

@@ -31,7 +31,7 @@ enum class Algorithm : std::int8_t {
 
 // What a projection is made of, as tables and custom grids give it. Angles in degrees.
 struct GridRow {
-    std::int8_t datum;
+    std::uint8_t datum;
     Algorithm algorithm;
     double falseEastingMetres = 0.0;
     double falseNorthingMetres = 0.0;

@@ -11,7 +11,7 @@ namespace kavrel {
 // One zone. Angles are whole minutes of arc, as the zones were laid down.
 struct ZoneRow {
     std::int16_t zone;
-    std::int8_t datum;
+    std::uint8_t datum;
     Algorithm algorithm;  // TransverseMercator or LambertConic
     std::int16_t originLongitudeMinutes;
     std::int16_t originLatitudeMinutes;

@@ -6,13 +6,13 @@ namespace {
 // Every zone of this grid has the same false easting, 500000 US survey feet, by definition.
 constexpr double kFalseEastingMetres = 152400.30480061;
 
-consteval ZoneRow Tm(std::int16_t zone, std::int8_t datum, std::int16_t longitude,
+consteval ZoneRow Tm(std::int16_t zone, std::uint8_t datum, std::int16_t longitude,
                      std::int16_t latitude, std::int32_t scaleReduction) {
     return {zone, datum,          Algorithm::TransverseMercator, longitude, latitude, 0,
             0,    scaleReduction, kFalseEastingMetres,           0.0};
 }
 
-consteval ZoneRow Conic(std::int16_t zone, std::int8_t datum, std::int16_t longitude,
+consteval ZoneRow Conic(std::int16_t zone, std::uint8_t datum, std::int16_t longitude,
                         std::int16_t latitude, std::int16_t parallel1, std::int16_t parallel2,
                         double falseNorthingMetres = 0.0) {
     return {zone,      datum, Algorithm::LambertConic, longitude,          latitude, parallel1,

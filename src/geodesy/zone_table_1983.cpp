@@ -3,7 +3,7 @@
 namespace kavrel {
 namespace {
 
-constexpr std::int8_t kNad83 = 19;
+constexpr std::uint8_t kNad83 = 19;
 
 consteval ZoneRow Tm(std::int16_t zone, std::int16_t longitude, std::int16_t latitude,
                      std::int32_t scaleReduction, double falseEastingMetres,

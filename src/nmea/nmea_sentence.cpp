@@ -1,6 +1,8 @@
 #include "nmea/nmea_sentence.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstring>
 
 #include "nmea/checksum.h"
 
@@ -27,6 +29,29 @@ class TextBuilder {
     std::array<char, kCapacity> buffer_;
     std::size_t size_ = 0;
 };
+
+// Calls found(position) for every comma, in order. Eight characters at a time: a loop that decides
+// for each of them is what most of the time would go into.
+template <typename F>
+void ForEachComma(std::string_view text, const F& found) {
+    constexpr std::uint64_t kOnes = 0x0101010101010101;
+    constexpr std::uint64_t kLowBits = 0x7F * kOnes;
+    static_assert(std::endian::native == std::endian::little);
+    std::size_t at = 0;
+    for (; at + sizeof kOnes <= text.size(); at += sizeof kOnes) {
+        std::uint64_t eight;
+        std::memcpy(&eight, text.data() + at, sizeof eight);
+        eight ^= ',' * kOnes;  // commas become zero
+        // The high bit of each byte that is zero, and of no other.
+        std::uint64_t zeros = ~(((eight & kLowBits) + kLowBits) | eight | kLowBits);
+        for (; zeros != 0; zeros &= zeros - 1) {
+            found(at + static_cast<std::size_t>(std::countr_zero(zeros)) / 8);
+        }
+    }
+    for (; at < text.size(); ++at) {
+        if (text[at] == ',') found(at);
+    }
+}
 
 void AppendChecksum(TextBuilder& builder) {
     if (builder.text().size() + 2 >= TextBuilder::kCapacity) return;
@@ -63,6 +88,7 @@ void NmeaSentence::SetText(std::string_view text, std::string_view continuation)
     fieldCount_ = 0;
     isDirty_ = false;
     hasCommand_ = false;
+    type_ = SentenceType::Other;
     if (text.size() + continuation.size() < kAddressLength) return;
 
     char* const characters = text_.Resize(text.size() + continuation.size());
@@ -70,18 +96,17 @@ void NmeaSentence::SetText(std::string_view text, std::string_view continuation)
               std::copy(text.begin(), text.end(), characters));
     std::copy_n(characters + 1, fullCommand_.size(), fullCommand_.begin());
     hasCommand_ = true;
-
+    type_ = SentenceTypeOf(Command());
     FindCommas();
 }
 
-// Without a branch on the characters, since no processor foresees the commas.
 void NmeaSentence::FindCommas() {
     const std::string_view text = text_.view();
     std::size_t count = 0;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        commas_[std::min(count, kKnownCommas)] = static_cast<std::uint32_t>(at);
-        count += text[at] == ',' ? 1 : 0;
-    }
+    ForEachComma(text, [&](std::size_t at) {
+        if (count < kKnownCommas) commas_[count] = static_cast<std::uint32_t>(at);
+        ++count;
+    });
     fieldCount_ = static_cast<std::int32_t>(count);
     star_ = std::min(text.find('*'), text.size());
 }
@@ -120,7 +145,18 @@ std::string_view NmeaSentence::FieldInText(std::int32_t number) const {
 }
 
 void NmeaSentence::CopyFields(std::span<std::string_view> fields) const {
-    for (std::size_t number = 1; number < fields.size(); ++number) {
+    std::size_t number = 1;
+    if (editedFields_ == nullptr) {
+        // All fields but the last that lie before the first "*" end at the next comma.
+        const std::string_view text = text_.view();
+        const std::size_t known =
+            std::min({fields.size(), static_cast<std::size_t>(fieldCount_), kKnownCommas});
+        for (; number < known && commas_[number] <= star_; ++number) {
+            const std::size_t begin = commas_[number - 1] + 1;
+            fields[number] = {text.data() + begin, commas_[number] - begin};
+        }
+    }
+    for (; number < fields.size(); ++number) {
         fields[number] = FieldOrEmpty(static_cast<std::int32_t>(number));
     }
 }
@@ -160,6 +196,7 @@ void NmeaSentence::SetCommand(std::string_view command) {
     EditFields();
     std::copy_backward(command.begin(), command.end(), fullCommand_.end());
     hasCommand_ = true;
+    type_ = SentenceTypeOf(Command());
     isDirty_ = true;
 }
 

@@ -20,6 +20,7 @@
 #include "base/small_text.h"
 #include "nmea/field_list.h"
 #include "nmea/sentence_type.h"
+#include "nmea/talker.h"
 
 namespace kavrel {
 
@@ -61,7 +62,7 @@ class NmeaSentence final : public Record {
     }
 
     // The two letters before the formatter; zeros when there is none.
-    std::array<char, 2> TalkerId() const {
+    Talker TalkerId() const {
         if (!hasCommand_) return {};
         return {fullCommand_[0], fullCommand_[1]};
     }
@@ -71,7 +72,7 @@ class NmeaSentence final : public Record {
     // 10003 "Command must be 3 or 5 characters long".
     void SetCommand(std::string_view command);
 
-    SentenceType Type() const { return SentenceTypeOf(Command()); }
+    SentenceType Type() const { return type_; }
 
   private:
     // Where the commas of the text are, for as many as ordinary sentences have.
@@ -84,9 +85,10 @@ class NmeaSentence final : public Record {
     void Rebuild();
 
     SmallText<kInlineTextSize> text_;
-    std::array<std::uint32_t, kKnownCommas + 1> commas_;  // the last is for all further ones
+    std::array<std::uint32_t, kKnownCommas> commas_;
     std::size_t star_ = 0;  // where the first "*" of the text is, or its end
     std::array<char, 5> fullCommand_{};
+    SentenceType type_ = SentenceType::Other;
     bool hasCommand_ = false;
     bool isDirty_ = false;
     std::int32_t fieldCount_ = 0;

@@ -16,8 +16,20 @@ constexpr std::size_t kFirstSatelliteField = 4;
 constexpr std::size_t kFieldsPerSatellite = 4;
 constexpr std::size_t kMaxFields = 24;
 
+// What receivers write is up to three digits; anything else takes the long way.
+std::int32_t ReadShortInteger(std::string_view text) {
+    constexpr std::size_t kShort = 3;
+    if (text.size() > kShort) return ReadInteger(text);
+    std::int32_t value = 0;
+    for (const char c : text) {
+        if (c < '0' || c > '9') return ReadInteger(text);
+        value = value * 10 + (c - '0');
+    }
+    return value;
+}
+
 std::int16_t ReadInt16(std::string_view text) {
-    return static_cast<std::int16_t>(ReadInteger(text));
+    return static_cast<std::int16_t>(ReadShortInteger(text));
 }
 
 // Where a lone field is left over behind the satellites, it is the signal.
@@ -65,8 +77,8 @@ bool SatelliteAccumulator::AddGsv(const NmeaSentence& gsv) {
 // Takes in one sentence; true when it was the last of its group.
 bool SatelliteAccumulator::Gather(Source& source, std::span<const std::string_view> fields,
                                   std::size_t fieldCount) {
-    const std::int32_t sentenceCount = ReadInteger(fields[kSentenceCountField]);
-    const std::int32_t number = ReadInteger(fields[kSentenceNumberField]);
+    const std::int32_t sentenceCount = ReadShortInteger(fields[kSentenceCountField]);
+    const std::int32_t number = ReadShortInteger(fields[kSentenceNumberField]);
     if (number == 1) {
         source.sentenceCount = sentenceCount;
         source.nextSentence = 1;
@@ -80,10 +92,11 @@ bool SatelliteAccumulator::Gather(Source& source, std::span<const std::string_vi
     ++source.nextSentence;
 
     for (std::size_t at = kFirstSatelliteField; at + 1 <= fieldCount; at += kFieldsPerSatellite) {
-        const std::int32_t prn = ReadInteger(fields[at]);
+        const std::int32_t prn = ReadShortInteger(fields[at]);
         SatelliteValues* const satellite = prn != 0 ? FindOrAdd(source.gathered, prn) : nullptr;
         if (satellite == nullptr) continue;
         satellite->talker = source.talker;
+        satellite->constellation = source.constellation;
         satellite->elevationDegrees = ReadInt16(fields[at + 1]);
         satellite->azimuthDegrees = at + 2 <= fieldCount ? ReadInt16(fields[at + 2]) : 0;
         satellite->snrDb = at + 3 <= fieldCount ? ReadInt16(fields[at + 3]) : 0;
@@ -128,6 +141,7 @@ SatelliteAccumulator::Source& SatelliteAccumulator::SourceFor(Talker talker, cha
     }
     Source& source = sources_.emplace_back();
     source.talker = talker;
+    source.constellation = ConstellationOf(talker);
     source.signal = signal;
     return source;
 }

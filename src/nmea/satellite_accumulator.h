@@ -44,7 +44,8 @@ class SatelliteAccumulator {
     using Satellites = std::vector<SatelliteValues>;
 
     struct Source {
-        Talker talker{};
+        Talker talker;
+        Constellation constellation = Constellation::Any;
         char signal = '\0';
         std::int32_t sentenceCount = 0;  // of the group being gathered; 0: none
         std::int32_t nextSentence = 1;

@@ -1,14 +1,12 @@
 // Satellites as GSV and GSA sentences speak of them.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <string_view>
 
-namespace kavrel {
+#include "nmea/talker.h"
 
-// The two letters before the sentence formatter: "GP", "GL"...
-using Talker = std::array<char, 2>;
+namespace kavrel {
 
 enum class Constellation : std::uint8_t { Any, Gps, Glonass, Galileo, BeiDou, Qzss, NavIc };
 
@@ -25,7 +23,8 @@ struct SatelliteValues {
     std::int16_t azimuthDegrees = 0;  // from true north
     std::int16_t snrDb = 0;
     bool isUsedForFix = false;
-    Talker talker{};  // tells satellites of one number apart
+    Talker talker;  // tells satellites of one number apart
+    Constellation constellation = Constellation::Any;
 };
 
 }  // namespace kavrel

@@ -7,7 +7,7 @@
 namespace kavrel {
 namespace {
 
-constexpr std::int32_t kFirstPrnField = 3;
+constexpr std::size_t kFirstPrnField = 3;
 constexpr std::int32_t kSystemIdField = 18;
 
 // Behind the DOPs a sentence of a talker for all constellations says which one it is about.
@@ -32,9 +32,10 @@ void UsedSatellites::Add(const NmeaSentence& gsa, bool continuesRun) {
     list.constellation = constellation;
     list.isOfOldRun = false;
     list.size = 0;
-    for (std::size_t i = 0; i < kPrnsPerSentence; ++i) {
-        const auto number = static_cast<std::int32_t>(kFirstPrnField + i);
-        const std::int32_t prn = ReadInteger(gsa.FieldOrEmpty(number));
+    std::array<std::string_view, kFirstPrnField + kPrnsPerSentence> fields;
+    gsa.CopyFields(fields);
+    for (std::size_t i = kFirstPrnField; i < fields.size(); ++i) {
+        const std::int32_t prn = fields[i].empty() ? 0 : ReadInteger(fields[i]);
         if (prn != 0) list.prns[list.size++] = prn;
     }
 }
@@ -69,7 +70,7 @@ void UsedSatellites::Remove(std::size_t index) {
 }
 
 bool UsedSatellites::Contains(const SatelliteValues& satellite) const {
-    const Constellation own = ConstellationOf(satellite.talker);
+    const Constellation own = satellite.constellation;
     for (const List& list : lists()) {
         const bool isMeant = list.constellation == own ||
                              list.constellation == Constellation::Any || own == Constellation::Any;

@@ -19,6 +19,8 @@ void NmeaParser::Parse(std::string_view text) {
     while (parseAssembler_.HasSentence()) {
         DispatchSentence(parseAssembler_.TakeSentence());
     }
+    // What a callback did to this parser may have failed; Parse did not.
+    error().Clear();
 }
 
 void NmeaParser::SetAllEventsGeneric(bool isOn) {

@@ -191,19 +191,20 @@ TEST_F(ModuleTest, EnumerationsKeepTheModule) {
     EXPECT_EQ(S_OK, points->Next(1, &point, nullptr)) << "what it lists is still alive";
 }
 
+DWORD WINAPI CountUpAndDown(void* object) {
+    for (int i = 0; i < 20000; ++i) {
+        static_cast<IDispatch*>(object)->AddRef();
+        static_cast<IDispatch*>(object)->Release();
+    }
+    return 0;
+}
+
 // The client's thread is what objects belong to, but counting references is anybody's.
 TEST_F(ModuleTest, ReferencesAreCountedFromManyThreads) {
     ComPtr<IDispatch> parser = CreateParser();
-    const auto countUpAndDown = [](void* object) -> DWORD {
-        for (int i = 0; i < 20000; ++i) {
-            static_cast<IDispatch*>(object)->AddRef();
-            static_cast<IDispatch*>(object)->Release();
-        }
-        return 0;
-    };
     HANDLE threads[4];
     for (HANDLE& thread : threads) {
-        thread = CreateThread(nullptr, 0, countUpAndDown, parser.Get(), 0, nullptr);
+        thread = CreateThread(nullptr, 0, CountUpAndDown, parser.Get(), 0, nullptr);
     }
     WaitForMultipleObjects(4, threads, TRUE, INFINITE);
     for (HANDLE thread : threads)

@@ -17,6 +17,7 @@ namespace {
 
 constexpr HRESULT kInvalidArgument = static_cast<HRESULT>(0x80042713);
 constexpr HRESULT kIndexOutOfBounds = static_cast<HRESULT>(0x80042714);
+constexpr HRESULT kWrongState = static_cast<HRESULT>(0x80042716);
 
 using ErrorTest = AutomationTest;
 
@@ -58,6 +59,10 @@ TEST_F(ErrorTest, ParserNamesItselfAsSource) {
          L"Unknown event type!"},
         {L"EventInterval", DISPATCH_METHOD, {1000}, kInvalidArgument, L"Unknown event type!"},
         {L"EventInterval", DISPATCH_METHOD, {}, kInvalidArgument, L"Unknown event type!"},
+        {L"GetGpsFix", DISPATCH_METHOD, {0, 3}, kWrongState, L"NoEvents must be set!"},
+        {L"GetSatellites", DISPATCH_METHOD, {}, kWrongState, L"NoEvents must be set!"},
+        {L"GetMovement", DISPATCH_METHOD, {}, kWrongState, L"NoEvents must be set!"},
+        {L"GetQuality", DISPATCH_METHOD, {}, kWrongState, L"NoEvents must be set!"},
     };
     const ComPtr<IDispatch> parser = CreateParser();
     for (const FailureCase& test : cases) {
@@ -233,9 +238,7 @@ TEST_F(ErrorTest, UnfinishedMembersSaySo) {
         const wchar_t* name;
         WORD kind;
     } unfinished[] = {
-        {L"PortEnabled", DISPATCH_PROPERTYPUT}, {L"GetGpsFix", DISPATCH_METHOD},
-        {L"GetSatellites", DISPATCH_METHOD},    {L"GetMovement", DISPATCH_METHOD},
-        {L"GetQuality", DISPATCH_METHOD},       {L"GetComStatus", DISPATCH_METHOD},
+        {L"PortEnabled", DISPATCH_PROPERTYPUT},
         {L"WriteData", DISPATCH_METHOD},
     };
     for (const auto& member : unfinished) {

@@ -76,15 +76,16 @@ TEST(Dms, Carries) {
     }
 }
 
-// Just below a whole degree only the latitude is nudged over; both show the same.
-TEST(Dms, OnlyLatitudesAreNudged) {
-    const double rads = RadsFromDegrees(30.0 - 2e-11);
-    const Dms latitude = DmsOfLatitude(rads);
-    const Dms longitude = DmsOfLongitude(rads);
-    EXPECT_EQ(latitude.degrees, 30);
-    EXPECT_EQ(longitude.degrees, 30);
-    EXPECT_EQ(latitude.seconds, 0.0);
-    EXPECT_FALSE(std::signbit(latitude.seconds) && latitude.seconds != 0.0);
+// Just below a whole degree a latitude is nudged over and a longitude carried: both must get there.
+TEST(Dms, JustBelowADegree) {
+    for (const double below : {1e-13, 2e-11, 7e-11, 1e-9, 1e-8}) {
+        const double rads = RadsFromDegrees(30.0 - below);
+        for (const Dms& dms : {DmsOfLatitude(rads), DmsOfLongitude(rads)}) {
+            EXPECT_EQ(dms.degrees, 30) << below;
+            EXPECT_EQ(dms.minutes, 0) << below;
+            EXPECT_EQ(dms.seconds, 0.0) << below;
+        }
+    }
 }
 
 TEST(Dms, HugeAnglesSaturate) {

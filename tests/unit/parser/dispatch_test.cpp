@@ -1,0 +1,195 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "receiver.h"
+#include "unit/parser/receiver_test.h"
+
+namespace kavrel {
+namespace {
+
+using DispatchTest = ReceiverTest;
+
+constexpr const char* kGsa = "GPGSA,A,3,02,05,,,,,,,,,,,1.9,1.1,1.6";
+constexpr const char* kGsv = "GPGSV,1,1,02,02,61,103,44,05,23,288,38";
+constexpr const char* kVtg = "GPVTG,045.2,T,043.9,M,32.4,N,60.0,K";
+
+TEST_F(DispatchTest, RaisesInOrder) {
+    EXPECT_EQ(FeedRmc("120000", "010626"), "RMC+ Status+ Fix2@120000 Movement:32 Generic:RMC");
+    EXPECT_EQ(FeedGga("120001"), "GGA+ Fix3@120001 Generic:GGA");
+    EXPECT_EQ(Feed("GPGLL,4730,N,00843,E,120002,A"), "GLL+ Fix3@120002 Generic:GLL");
+    EXPECT_EQ(Feed(kGsv), "Satellites:2 Generic:GSV");
+    EXPECT_EQ(Feed(kGsa), "Quality:1 Satellites:2 Generic:GSA");
+    EXPECT_EQ(Feed(kGsa), "Quality:1 Generic:GSA");
+    EXPECT_EQ(Feed(kVtg), "Movement:32 Generic:VTG");
+    EXPECT_EQ(Feed("PKVRL,1"), "Generic:VRL");
+    EXPECT_EQ(Feed("gprmc,1,V"), "rmc- Status- Fix0 Movement:0 Generic:rmc");
+}
+
+TEST_F(DispatchTest, TracksTheValidFix) {
+    EXPECT_FALSE(parser_->GetComStatus()->ValidFix());
+    EXPECT_EQ(FeedGga("1", '0'), "GGA- Fix0 Generic:GGA");
+    EXPECT_EQ(FeedGga("2"), "GGA+ Status+ Fix3@000002 Generic:GGA");
+    EXPECT_TRUE(parser_->GetComStatus()->ValidFix());
+    EXPECT_EQ(FeedGga("3"), "GGA+ Fix3@000003 Generic:GGA");
+    EXPECT_EQ(FeedGga("4", '0'), "GGA- Status- Fix0 Generic:GGA");
+    EXPECT_FALSE(parser_->GetComStatus()->ValidFix());
+}
+
+TEST_F(DispatchTest, AllEventsGenericDecodesNothing) {
+    parser_->SetAllEventsGeneric(true);
+    EXPECT_EQ(FeedRmc("120000", "010626"), "Generic:RMC");
+    EXPECT_EQ(Feed(kGsv) + Feed(kGsa), "Generic:GSVGeneric:GSA");
+    parser_->SetNoEvents(true);
+    EXPECT_EQ(FeedRmc("120000", "010626"), "");
+    EXPECT_FALSE(parser_->GetGpsFix(0, 0));
+    EXPECT_FALSE(parser_->GetComStatus()->ValidFix());
+}
+
+TEST_F(DispatchTest, WithoutHandlerNothingIsDone) {
+    parser_->SetEventSink(EventLog::SinkTo(log_, {ParserEvent::GpsFix, ParserEvent::Satellites}));
+    EXPECT_EQ(FeedGga("120000"), "GGA+ Generic:GGA");
+    EXPECT_FALSE(parser_->GetComStatus()->ValidFix());
+    EXPECT_EQ(Feed(kGsv), "Generic:GSV");
+    parser_->SetEventSink(EventLog::SinkTo(log_));
+    // No GGA was kept, and no picture.
+    EXPECT_EQ(FeedRmc("120000", "010626"), "RMC+ Status+ Fix2@120000 Movement:32 Generic:RMC");
+    EXPECT_EQ(Feed(kGsa), "Quality:1 Generic:GSA");
+}
+
+TEST_F(DispatchTest, StartsAfresh) {
+    FeedGga("120000");
+    Feed(kGsv);
+    parser_->StartAfresh();
+    EXPECT_EQ(FeedRmc("120000", "010626"), "RMC+ Fix2@120000 Movement:32 Generic:RMC");
+    EXPECT_EQ(Feed(kGsa), "Quality:1 Generic:GSA");
+}
+
+TEST_F(DispatchTest, ComStatusWorkCarriesItsSnapshot) {
+    parser_->Dispatch({.kind = WorkKind::ComStatus,
+                       .object = MakeRef<ComStatus>(ComStatusValues{.hasValidFix = true})});
+    EXPECT_EQ(log_.Take(), "Status+");
+    parser_->Dispatch({.kind = WorkKind::ComStatus, .object = nullptr});
+    EXPECT_EQ(log_.Take(), "Status-");
+    parser_->SetNoEvents(true);
+    parser_->Dispatch({.kind = WorkKind::ComStatus, .object = nullptr});
+    EXPECT_EQ(log_.Take(), "");
+}
+
+// The views of one update must not outlive what a client does to the sentence.
+TEST_F(DispatchTest, ClientsMayChangeTheSentence) {
+    EventSink sink = EventLog::SinkTo(log_);
+    sink.callbacks[static_cast<std::size_t>(ParserEvent::Gga)] = [](void*, ParserEvent,
+                                                                    Record& object) {
+        NmeaSentence& sentence = static_cast<NmeaGga&>(object).sentence();
+        sentence.SetField(1, "235959");
+        sentence.SetField(9, std::string(300, '7'));
+        sentence.SetText(std::string(sentence.Text()));
+    };
+    parser_->SetEventSink(sink);
+    EXPECT_EQ(FeedGga("120000"), "Status+ Fix3@235959 Generic:GGA");
+}
+
+TEST_F(DispatchTest, PositionsAreOnTheGpsDatum) {
+    parser_->SetNoEvents(true);
+    parser_->SetGpsDatum(5);
+    FeedGga("120000");
+    EXPECT_EQ(parser_->GetGpsFix(0, 0)->MakePosition()->Datum(), 5);
+}
+
+TEST_F(DispatchTest, IntervalsGoByTheReceiversClock) {
+    parser_->SetEventInterval(5000, 5);
+    std::string times;
+    for (int second = 0; second < 13; ++second) {
+        const std::string time = "1200" + std::to_string(10 + second);
+        std::string events = FeedRmc(time, "010626");
+        events += FeedGga(time);
+        for (std::size_t at = 0; (at = events.find("Fix", at)) != std::string::npos; ++at) {
+            times += events.substr(at, 11) + " ";
+        }
+    }
+    EXPECT_EQ(times, "Fix2@120010 Fix3@120015 Fix3@120020 ");
+}
+
+TEST_F(DispatchTest, IntervalsHaveWholeSeconds) {
+    int hour = 0;
+    const auto countIn5Seconds = [this, &hour](std::int32_t intervalMs) {
+        ++hour;
+        const std::string time = "0" + std::to_string(hour) + "000";
+        parser_->SetEventInterval(intervalMs, 7);
+        FeedRmc(time + "0", "020626");
+        int count = 0;
+        for (int second = 1; second <= 5; ++second) {
+            const std::string events = FeedRmc(time + std::to_string(second), "020626");
+            count += events.find("Movement") != std::string::npos ? 1 : 0;
+            EXPECT_NE(events.find("RMC+"), std::string::npos);
+        }
+        return count;
+    };
+    EXPECT_EQ(countIn5Seconds(0), 5);
+    EXPECT_EQ(countIn5Seconds(500), 5);
+    EXPECT_EQ(countIn5Seconds(999), 5);
+    EXPECT_EQ(countIn5Seconds(1000), 5);
+    EXPECT_EQ(countIn5Seconds(1500), 5);
+    EXPECT_EQ(countIn5Seconds(2000), 2);
+    EXPECT_EQ(countIn5Seconds(2147483647), 0);
+    EXPECT_EQ(countIn5Seconds(-7), 0);
+}
+
+TEST_F(DispatchTest, ClockGoesOnWhileFixesAreOff) {
+    parser_->SetEventInterval(-1, 5);
+    parser_->SetEventInterval(10000, 8);
+    EXPECT_EQ(FeedGga("120000"), "GGA+ Status+ Generic:GGA");
+    EXPECT_EQ(Feed(kGsa), "Quality:1 Generic:GSA");
+    FeedGga("120009");
+    EXPECT_EQ(Feed(kGsa), "Generic:GSA");
+    FeedGga("120010");
+    EXPECT_EQ(Feed(kGsa), "Quality:1 Generic:GSA");
+}
+
+TEST_F(DispatchTest, TimeGoingBackwardsRaises) {
+    parser_->SetEventInterval(60000, 5);
+    EXPECT_EQ(FeedGga("235959"), "GGA+ Status+ Fix3@235959 Generic:GGA");
+    EXPECT_EQ(FeedGga("000000"), "GGA+ Fix3@000000 Generic:GGA");
+    EXPECT_EQ(FeedGga("000001"), "GGA+ Generic:GGA");
+}
+
+TEST_F(DispatchTest, MidnightWithADateIsOneSecond) {
+    parser_->SetEventInterval(2000, 5);
+    EXPECT_EQ(FeedRmc("235959", "311225"), "RMC+ Status+ Fix2@235959 Movement:32 Generic:RMC");
+    EXPECT_EQ(FeedRmc("000000", "010126"), "RMC+ Movement:32 Generic:RMC");
+    EXPECT_EQ(FeedRmc("000001", "010126"), "RMC+ Fix2@000001 Movement:32 Generic:RMC");
+}
+
+// However the text is cut, the events are the same.
+TEST_F(DispatchTest, CutsOfTheTextDoNotMatter) {
+    simulator::Options options;
+    options.constellations = 2;
+    options.badChecksumShare = 0.05;
+    options.halfSentenceShare = 0.05;
+    options.lostFixShare = 0.1;
+    options.startSeconds = 86400 - 8;
+    simulator::Receiver receiver(options);
+    std::string text;
+    while (text.size() < 20'000)
+        text += receiver.NextEpoch();
+
+    const auto eventsOf = [this](std::string_view part, std::size_t cut) {
+        const auto parser = MakeRef<NmeaParser>();
+        parser->SetEventSink(EventLog::SinkTo(log_));
+        parser->Parse(part.substr(0, cut));
+        for (std::size_t at = cut; at < part.size(); at += 101)
+            parser->Parse(part.substr(at, 101));
+        return log_.Take();
+    };
+    constexpr std::size_t kWindow = 400;
+    for (std::size_t begin = 0; begin < text.size(); begin += kWindow) {
+        const std::string_view part = std::string_view(text).substr(begin, 2 * kWindow);
+        const std::string expected = eventsOf(part, 0);
+        for (std::size_t cut = 1; cut < kWindow; ++cut)
+            ASSERT_EQ(eventsOf(part, cut), expected);
+    }
+}
+
+}  // namespace
+}  // namespace kavrel
