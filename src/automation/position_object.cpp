@@ -197,7 +197,7 @@ class PositionObject final : public AutomationObject<IPosition, Position, Object
     // converted before: that may call the host, which must not happen under a lock.
     template <typename Value, typename... Parameters>
     Value Call(HRESULT& outcome, Position* other, Value (Position::*operation)(Parameters...),
-               const Parameters&... arguments) {
+               const std::type_identity_t<Parameters>&... arguments) {
         const Position::Scope scope(record(), other);
         if constexpr (std::is_void_v<Value>) {
             (record().*operation)(arguments...);

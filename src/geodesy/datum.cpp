@@ -9,7 +9,7 @@ namespace kavrel {
 namespace {
 
 struct DatumRow {
-    std::int8_t ellipsoidRow;
+    std::uint8_t ellipsoidRow;
     HelmertShift toWgs84;
 };
 
@@ -51,7 +51,7 @@ constexpr std::array<DatumRow, kDatumCustom + 1> kDatums = {{
 
 constexpr bool AllRowsExist() {
     for (const DatumRow& row : kDatums) {
-        if (row.ellipsoidRow < 0 || row.ellipsoidRow >= static_cast<int>(kEllipsoids.size())) {
+        if (row.ellipsoidRow >= kEllipsoids.size()) {
             return false;
         }
     }

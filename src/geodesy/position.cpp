@@ -53,7 +53,7 @@ constexpr std::int32_t kAltitudeEllipsoid = 1;
 Position::Scope::Scope(Position& position, Position* other)
     KAVREL_THREAD_ANNOTATION(no_thread_safety_analysis)
     : first_(&position), second_(other == &position ? nullptr : other) {
-    if (second_ != nullptr && std::less<Position*>()(second_, first_)) std::swap(first_, second_);
+    if (second_ != nullptr && std::less<>()(second_, first_)) std::swap(first_, second_);
     first_->lock_.Acquire();
     if (second_ != nullptr) second_->lock_.Acquire();
 }

@@ -85,11 +85,11 @@ class Position final : public Record {
 
     std::int16_t Datum();
     void PutDatum(std::int32_t datum);
-    void PutCustomDatum(Ref<CustomDatum> datum);
+    void PutCustomDatum(const Ref<CustomDatum>& datum);
 
     std::int16_t Grid();
     void PutGrid(std::int32_t grid);
-    void PutCustomGrid(Ref<CustomGrid> grid);
+    void PutCustomGrid(const Ref<CustomGrid>& grid);
     double Easting();
     double Northing();
     void PutEasting(double metres);

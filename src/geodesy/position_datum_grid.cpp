@@ -22,7 +22,7 @@ void Position::PutDatum(std::int32_t datum) {
     state_.isUntouched = false;
 }
 
-void Position::PutCustomDatum(Ref<CustomDatum> datum) {
+void Position::PutCustomDatum(const Ref<CustomDatum>& datum) {
     const Scope scope(*this);
     error().Clear();
     SetCustomDatum(datum);
@@ -81,7 +81,7 @@ void Position::PutGrid(std::int32_t grid) {
     state_.isUntouched = false;
 }
 
-void Position::PutCustomGrid(Ref<CustomGrid> grid) {
+void Position::PutCustomGrid(const Ref<CustomGrid>& grid) {
     const Scope scope(*this);
     error().Clear();
     SetCustomGrid(grid);

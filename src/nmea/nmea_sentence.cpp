@@ -113,7 +113,7 @@ void NmeaSentence::FindCommas() {
 
 std::string_view NmeaSentence::Field(std::int32_t index) {
     error().Clear();
-    const std::int32_t number = static_cast<std::int8_t>(index);
+    const std::int32_t number = ((index & 0xFF) ^ 0x80) - 0x80;  // the low 8 bits, signed
     if (number < 1 || number > fieldCount_) {
         error().Set(kErrorIndexOutOfBounds, Message::IndexOutOfBounds);
         return {};

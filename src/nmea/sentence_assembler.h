@@ -4,13 +4,15 @@
 // A sentence runs from its "$" to the CR LF behind it. One whose checksum does not fit is dropped
 // without a word, and one that another "$" interrupts gives way to the newer one.
 //
-// Thread safety: none; one assembler serves one source of text.
+// Thread safety: none but for SetChecksumMandatory, which any thread may call; one assembler serves
+// one source of text.
 // Invariant: the ring holds the last 512 characters appended. When more than that wait unexamined,
 // the oldest are lost and reading goes on with the oldest that is still there, so nothing is
 // delivered twice or out of order.
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -62,7 +64,7 @@ class SentenceAssembler {
     Position read_ = 0;
     Position sentenceStart_ = 0;
     Position sentenceEnd_ = 0;
-    bool isChecksumMandatory_ = false;
+    std::atomic<bool> isChecksumMandatory_{false};  // set by the client's thread
 };
 
 }  // namespace kavrel

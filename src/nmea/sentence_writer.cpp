@@ -59,7 +59,8 @@ void SentenceWriter::Angle(double degrees, int degreeDigits) {
 
 std::string SentenceWriter::Finish() const {
     Checksum checksum;
-    for (const char c : std::string_view(text_).substr(1))
+    const std::string_view text = text_;
+    for (const char c : text.substr(1))
         checksum.Add(c);
     const std::array<char, 2> digits = checksum.Digits();
     return (text_ + '*').append(digits.data(), digits.size());

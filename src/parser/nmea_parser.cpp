@@ -87,7 +87,6 @@ void NmeaParser::SetDirectDelivery(bool isOn) {
 void NmeaParser::SetQueuedDelivery(bool isOn) {
     error().Clear();
     if (isOn && queue_ == nullptr) queue_ = std::make_unique<EventQueue>();
-    const LibraryLockScope lock;
     isQueued_ = isOn;
 }
 

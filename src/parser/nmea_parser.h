@@ -140,7 +140,7 @@ class NmeaParser final : public Record {
     // False, with the error set, while there are events.
     bool RequireNoEvents();
 
-    void DispatchSentence(Ref<NmeaSentence> sentence);
+    void DispatchSentence(Ref<NmeaSentence> reference);
     void DispatchComStatus(Ref<Record> status);
     void RaiseGeneric(NmeaSentence& sentence);
 
@@ -178,16 +178,18 @@ class NmeaParser final : public Record {
     SentenceAssembler portAssembler_;
     bool isPortEnabled_ = false;
     bool noEvents_ = false;
-    bool directDelivery_ = false;
-    bool allEventsGeneric_ = false;
-    std::int16_t gpsDatum_ = kFirstDatum;
     std::int32_t comPort_ = kSearchForPort;
     std::int32_t baudRate_ = 4800;
+
+    // May be set while another thread dispatches.
+    std::atomic<bool> directDelivery_{false};
+    std::atomic<bool> allEventsGeneric_{false};
+    std::atomic<bool> isQueued_{false};
+    std::atomic<std::int16_t> gpsDatum_{kFirstDatum};
 
     ClientWishes wishes_ KAVREL_GUARDED_BY(libraryLock);
     std::atomic<std::uint32_t> wishesVersion_{1};
     ComStatusTracker comStatus_ KAVREL_GUARDED_BY(libraryLock);
-    bool isQueued_ = false;
     std::unique_ptr<EventQueue> queue_;  // once made, stays
 
     // Of the dispatching thread.

@@ -99,7 +99,7 @@ Ref<Record> NmeaParser::RaiseDecoded(ParserEvent event, Ref<NmeaSentence>& sente
     if (noEvents_) return nullptr;
     const EventHandler handler = HandlerOf(event);
     if (!handler) return nullptr;
-    auto decoded = MakeRef<T>(std::move(sentence), gpsDatum_);
+    auto decoded = MakeRef<T>(std::move(sentence), gpsDatum_.load());
     Call(handler, event, *decoded);
     return decoded;
 }
@@ -122,7 +122,7 @@ void NmeaParser::UpdateFix(const NmeaSentence& sentence) {
         status = comStatus_.values();
     }
     Ref<GpsFix> record;
-    if (turn.isPublished || turn.isRaised) record = MakeRef<GpsFix>(fix, gpsDatum_);
+    if (turn.isPublished || turn.isRaised) record = MakeRef<GpsFix>(fix, gpsDatum_.load());
     fixBuilder_.Keep(type, fix);
     // From here on callbacks run, and the views of `fix` may end.
     if (hasStatusChanged) RaiseComStatus(status);

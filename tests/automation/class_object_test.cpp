@@ -59,7 +59,7 @@ TEST_P(CreatableClassTest, IsFoundByItsName) {
 }
 
 TEST_P(CreatableClassTest, ObjectHasItsInterfaces) {
-    const ComPtr<IDispatch> object = CreateByName(GetParam().ProgId());
+    const ComPtr<IDispatch> object = CreateDirectly(GetParam().classId);
     ASSERT_TRUE(object);
     ComPtr<IUnknown> identity;
     ASSERT_EQ(S_OK, object.As(&identity));
@@ -80,7 +80,7 @@ TEST_P(CreatableClassTest, ObjectHasItsInterfaces) {
 }
 
 TEST_P(CreatableClassTest, TellsItsClass) {
-    const ComPtr<IDispatch> object = CreateByName(GetParam().ProgId());
+    const ComPtr<IDispatch> object = CreateDirectly(GetParam().classId);
     ComPtr<IProvideClassInfo> provider;
     ASSERT_EQ(S_OK, object.As(&provider));
     ComPtr<ITypeInfo> type;
@@ -124,7 +124,7 @@ TEST_P(CreatableClassTest, RefusesUnknownInterfacesAndNullPointers) {
     EXPECT_EQ(nullptr, object);
     EXPECT_EQ(E_POINTER, GetClassObjectOf(GetParam().classId, IID_IUnknown, nullptr));
 
-    const ComPtr<IDispatch> created = CreateByName(GetParam().ProgId());
+    const ComPtr<IDispatch> created = CreateDirectly(GetParam().classId);
     EXPECT_EQ(E_POINTER, created->QueryInterface(IID_IUnknown, nullptr));
     EXPECT_EQ(E_POINTER, created->GetTypeInfoCount(nullptr));
     EXPECT_EQ(E_POINTER, created->GetTypeInfo(0, LOCALE_USER_DEFAULT, nullptr));
@@ -133,8 +133,8 @@ TEST_P(CreatableClassTest, RefusesUnknownInterfacesAndNullPointers) {
 }
 
 TEST_P(CreatableClassTest, LiveObjectsKeepTheModule) {
-    ComPtr<IDispatch> first = CreateByName(GetParam().ProgId());
-    ComPtr<IDispatch> second = CreateByName(GetParam().ProgId());
+    ComPtr<IDispatch> first = CreateDirectly(GetParam().classId);
+    ComPtr<IDispatch> second = CreateDirectly(GetParam().classId);
     ASSERT_TRUE(first && second);
     EXPECT_NE(first.Get(), second.Get());
     EXPECT_EQ(S_FALSE, CanUnloadNow());

@@ -29,17 +29,6 @@ void PrintTo(const ObjectMaker& maker, std::ostream* out) {
     *out << maker.interfaceName;
 }
 
-// Without the platform's activation, which makes an apartment for each object of a free-threaded
-// class: this is about thousands of objects.
-ComPtr<IDispatch> CreateDirectly(REFCLSID classId) {
-    ComPtr<IClassFactory> factory;
-    ComPtr<IDispatch> object;
-    if (SUCCEEDED(GetClassObjectOf(classId, IID_PPV_ARGS(&factory)))) {
-        factory->CreateInstance(nullptr, IID_PPV_ARGS(&object));
-    }
-    return object;
-}
-
 const ObjectMaker kObjects[] = {
     {"INmeaParser", IID_INmeaParser, [] { return CreateParser(); }},
     {"INmeaSentence", IID_INmeaSentence, [] { return MakeSentence(L"$GPXXX,7,,text"); }},

@@ -41,4 +41,18 @@ BOOL WINAPI DeviceTerminateProcess(HANDLE process, UINT exitCode) {
                             exitCode);
 }
 
+// The device takes no access mask; a desktop's handle with the mask 0 can do nothing.
+LSTATUS WINAPI DeviceRegOpenKeyExW(HKEY key, const wchar_t* path, DWORD options, REGSAM,
+                                   HKEY* opened) {
+    return RegOpenKeyExW(key, path, options, MAXIMUM_ALLOWED, opened);
+}
+
+LSTATUS WINAPI DeviceRegCreateKeyExW(HKEY key, const wchar_t* path, DWORD reserved,
+                                     wchar_t* keyClass, DWORD options, REGSAM,
+                                     SECURITY_ATTRIBUTES* security, HKEY* created,
+                                     DWORD* disposition) {
+    return RegCreateKeyExW(key, path, reserved, keyClass, options, MAXIMUM_ALLOWED, security,
+                           created, disposition);
+}
+
 }  // extern "C"

@@ -86,6 +86,15 @@ ComPtr<IDispatch> CreateByName(const std::wstring& progId) {
     return object;
 }
 
+ComPtr<IDispatch> CreateDirectly(REFCLSID classId) {
+    ComPtr<IClassFactory> factory;
+    ComPtr<IDispatch> object;
+    if (SUCCEEDED(GetClassObjectOf(classId, IID_PPV_ARGS(&factory)))) {
+        factory->CreateInstance(nullptr, IID_PPV_ARGS(&object));
+    }
+    return object;
+}
+
 void AutomationTest::SetUp() {
     ASSERT_EQ(S_OK, CanUnloadNow()) << "left over by an earlier test";
     SetErrorInfo(0, nullptr);

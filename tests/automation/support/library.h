@@ -39,6 +39,10 @@ HRESULT UnregisterServer();
 // A new object by ProgID, as a script makes one. Null when that fails.
 Microsoft::WRL::ComPtr<IDispatch> CreateByName(const std::wstring& progId);
 
+// A new object without the platform's activation, which may give a proxy of an object of a
+// free-threaded class, or makes an apartment for it. Null when that fails.
+Microsoft::WRL::ComPtr<IDispatch> CreateDirectly(REFCLSID classId);
+
 inline Microsoft::WRL::ComPtr<IDispatch> CreateParser() {
     return CreateByName(L"KavrelCE.NmeaParser");
 }
