@@ -26,25 +26,24 @@ std::int32_t Record::LiveCount() {
 
 void Record::AddReference() {
     const LibraryLockScope lock;
-    ++referenceCount_;
+    referenceCount_.fetch_add(1, std::memory_order_relaxed);
+}
+
+// Drops a reference that is not the last. A count of 1 is the caller's own: nobody else can change
+// it, so it needs no lock to be believed.
+bool Record::DropSharedReference() {
+    if (referenceCount_.load(std::memory_order_acquire) == 1) return false;
+    const LibraryLockScope lock;
+    if (referenceCount_.load(std::memory_order_acquire) == 1) return false;
+    referenceCount_.fetch_sub(1, std::memory_order_release);
+    return true;
 }
 
 void Record::ReleaseReference() {
-    bool isLast;
-    {
-        const LibraryLockScope lock;
-        isLast = referenceCount_ == 1;
-        if (!isLast) --referenceCount_;
-    }
-    if (!isLast) return;
-
-    // Nobody else holds a reference, so nobody can add one meanwhile, except the hook itself.
+    if (DropSharedReference()) return;
     OnFinalRelease();
-    {
-        const LibraryLockScope lock;
-        isLast = --referenceCount_ == 0;
-    }
-    if (isLast) delete this;
+    if (DropSharedReference()) return;  // the hook has passed the record on
+    delete this;
 }
 
 }  // namespace kavrel

@@ -4,9 +4,11 @@
 // guarded by whoever owns it (a snapshot is complete before it is published and only read after).
 // Invariants: the count starts at 1 and belongs to the Ref that MakeRef returns; at 0 the record is
 // deleted. Raw pointers never own.
-// Cost: moving a Ref is free, copying or dropping one takes the lock. Hot paths move.
+// Cost: moving a Ref and dropping the only one are free of the lock; copying one, and dropping one of
+// several, take it. Hot paths move.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <new>
@@ -46,10 +48,11 @@ class Record {
 
     void AddReference();
     void ReleaseReference();
+    bool DropSharedReference();
 
     ErrorSlot error_;
     std::uint32_t serialNumber_;
-    std::int32_t referenceCount_ = 1;
+    std::atomic<std::int32_t> referenceCount_{1};
 };
 
 template <typename T>
