@@ -62,27 +62,60 @@ class Sink final : public IDispatch {
     STDMETHODIMP Invoke(DISPID event, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT*,
                         EXCEPINFO*, UINT*) override {
         constexpr DISPID kGeneric = 1;
-        if (event != kGeneric || arguments->cArgs != 1) return S_OK;
-
-        INmeaSentence* sentence = nullptr;
+        constexpr DISPID kOnGpsFix = 6;
         IDispatch* const object = V_DISPATCH(&arguments->rgvarg[0]);
-        if (FAILED(
-                object->QueryInterface(IID_INmeaSentence, reinterpret_cast<void**>(&sentence)))) {
-            return S_OK;
-        }
-        Var command;
-        Var text;
-        sentence->get_Command(&command);
-        sentence->get_Sentence(&text);
-        sentence->Release();
-
-        const std::string name = Narrow(V_BSTR(&command));
-        if (++counts_[name] == 1)
-            std::printf("first %s  %s\n", name.c_str(), Narrow(V_BSTR(&text)).c_str());
+        if (event == kGeneric) CountSentence(object);
+        if (event == kOnGpsFix) PrintFix(object);
         return S_OK;
     }
 
   private:
+    void CountSentence(IDispatch* object) {
+        INmeaSentence* sentence = nullptr;
+        if (FAILED(
+                object->QueryInterface(IID_INmeaSentence, reinterpret_cast<void**>(&sentence)))) {
+            return;
+        }
+        Var command;
+        sentence->get_Command(&command);
+        sentence->Release();
+        ++counts_[Narrow(V_BSTR(&command))];
+    }
+
+    void PrintFix(IDispatch* object) {
+        constexpr int kEvery = 20;
+        if (fixes_++ % kEvery != 0) return;
+        IGpsFix* fix = nullptr;
+        if (FAILED(object->QueryInterface(IID_IGpsFix, reinterpret_cast<void**>(&fix)))) return;
+        Var type;
+        Var utc;
+        Var position;
+        fix->get_FixType(&type);
+        fix->get_UTC(&utc);
+        fix->get_Position(&position);
+        fix->Release();
+        VariantChangeType(&utc, &utc, 0, VT_BSTR);
+        std::printf("fix of type %ld at %s, %s\n", V_I4(&type),
+                    V_VT(&utc) == VT_BSTR ? Narrow(V_BSTR(&utc)).c_str() : "no time",
+                    Place(V_DISPATCH(&position)).c_str());
+    }
+
+    // "47 30'0.35 N 8 43'0.66 E", or nothing for a fix without a position.
+    static std::string Place(IDispatch* object) {
+        IPosition* position = nullptr;
+        if (object == nullptr ||
+            FAILED(object->QueryInterface(IID_IPosition, reinterpret_cast<void**>(&position)))) {
+            return "nowhere";
+        }
+        Var latitude;
+        Var longitude;
+        position->LatitudeString(Var(0L), &latitude);
+        position->LongitudeString(Var(0L), &longitude);
+        position->Release();
+        return Narrow(V_BSTR(&latitude)) + " " + Narrow(V_BSTR(&longitude));
+    }
+
+    int fixes_ = 0;
     std::map<std::string, int> counts_;
 };
 

@@ -4,8 +4,8 @@
 // guarded by whoever owns it (a snapshot is complete before it is published and only read after).
 // Invariants: the count starts at 1 and belongs to the Ref that MakeRef returns; at 0 the record is
 // deleted. Raw pointers never own.
-// Cost: moving a Ref and dropping the only one are free of the lock; copying one, and dropping one of
-// several, take it. Hot paths move.
+// Cost: moving a Ref and dropping the only one are free of the lock; copying one, and dropping one
+// of several, take it. Hot paths move.
 #pragma once
 
 #include <atomic>
