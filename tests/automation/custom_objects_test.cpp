@@ -1,7 +1,6 @@
-// CustomDatum and CustomGrid: their values, what positions make of them, and other apartments.
+// CustomDatum and CustomGrid: their values, and what positions make of them.
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 #include <thread>
 
@@ -20,10 +19,10 @@ namespace {
 constexpr double kRadsPerDegree = 0.017453292519943295;
 
 ComPtr<IDispatch> NewDatum() {
-    return CreateByName(L"KavrelCE.CustomDatum");
+    return CreateDirectly(CLSID_CustomDatum);
 }
 ComPtr<IDispatch> NewGrid() {
-    return CreateByName(L"KavrelCE.CustomGrid");
+    return CreateDirectly(CLSID_CustomGrid);
 }
 
 void PutAll(IDispatch* object, const std::vector<std::pair<const wchar_t*, Var>>& values) {
@@ -170,80 +169,6 @@ TEST_F(CustomObjectTest, OddValuesDoNoHarm) {
     ExpectSteps(p.Get(), {{L"=Datum", {1}, ""}, {L"=Grid", {1}, ""}});
     RunStep(p.Get(), L"Easting", {});
     EXPECT_GE(14U, Call(p.Get(), L"LongitudeString", {1}).value.text().size());
-}
-
-// Runs something on a thread of its own, in the multithreaded apartment.
-void InMultithreadedApartment(const std::function<void()>& action) {
-    std::thread([&action] {
-        ASSERT_EQ(S_OK, CoInitializeEx(nullptr, COINIT_MULTITHREADED));
-        action();
-        CoUninitialize();
-    }).join();
-}
-
-// An object on its way between two apartments.
-class Parcel {
-  public:
-    void Send(IDispatch* object) {
-        EXPECT_EQ(S_OK, CoMarshalInterThreadInterfaceInStream(IID_IDispatch, object, &stream_));
-    }
-    ComPtr<IDispatch> Receive() {
-        ComPtr<IDispatch> object;
-        EXPECT_EQ(S_OK,
-                  CoGetInterfaceAndReleaseStream(stream_, IID_PPV_ARGS(object.GetAddressOf())));
-        return object;
-    }
-
-  private:
-    IStream* stream_ = nullptr;
-};
-
-// Both classes are free-threaded: everybody holds the object itself, and a position reaches the
-// values in it wherever it was made.
-TEST_F(CustomObjectTest, MadeInAnotherApartment) {
-    Parcel parcels[2];
-    IUnknown* made[2] = {};
-    InMultithreadedApartment([&] {
-        const ComPtr<IDispatch> objects[] = {BritishDatum(), BritishGrid()};
-        for (int i = 0; i < 2; ++i) {
-            made[i] = objects[i].Get();
-            parcels[i].Send(objects[i].Get());
-        }
-    });
-    const ComPtr<IDispatch> datum = parcels[0].Receive();
-    const ComPtr<IDispatch> grid = parcels[1].Receive();
-    EXPECT_EQ(made[0], datum.Get());
-    EXPECT_EQ(made[1], grid.Get());
-    const ComPtr<IDispatch> p = PositionAt(52.5, -1, 3);
-    const double easting = Number(p.Get(), L"Easting");
-    ExpectSteps(p.Get(), {{L"&CustomGrid", {grid.Get()}, ""},
-                          {L"&CustomDatum", {datum.Get()}, ""},
-                          {L"Datum", {}, "I2 28"}});
-    EXPECT_NEAR(easting, Number(p.Get(), L"Easting"), 1e-6);
-    ExpectSteps(grid.Get(), {{L"&CustomDatum", {datum.Get()}, ""},
-                             {L"&CustomDatum",
-                              {grid.Get()},
-                              "80004002 Parameter not a valid object! (CustomGrid Class)"}});
-}
-
-TEST_F(CustomObjectTest, UsedInAnotherApartment) {
-    Parcel parcel;
-    const ComPtr<IDispatch> datum = BritishDatum();
-    parcel.Send(datum.Get());
-    InMultithreadedApartment([&] {
-        const ComPtr<IDispatch> here = parcel.Receive();
-        EXPECT_EQ(datum.Get(), here.Get());
-        const ComPtr<IDispatch> grid = NewGrid();
-        ExpectSteps(grid.Get(), {{L"&CustomDatum", {here.Get()}, ""}});
-        PutAll(here.Get(), {{L"DeltaX", 99}});
-        // The error object belongs to this thread.
-        ComPtr<ICustomGrid> dual;
-        ASSERT_EQ(S_OK, grid.As(&dual));
-        EXPECT_EQ(E_NOINTERFACE, dual->putref_CustomDatum(*Var(5).get()));
-        EXPECT_TRUE(TakeErrorObject().has_value());
-    });
-    EXPECT_FALSE(TakeErrorObject().has_value());
-    ExpectSteps(datum.Get(), {{L"DeltaX", {}, "R8 99"}});
 }
 
 // Changed by one thread while another computes with them.

@@ -30,7 +30,7 @@ constexpr double kRadiusMetres = 6378137.0;
 constexpr double kRadsPerDegree = 0.017453292519943295;
 
 // How far flavours may be apart: their mathematical functions differ in the last bits.
-constexpr double kFlavourMetres = 1e-6;
+constexpr double kFlavourMetres = 1e-7;
 
 struct Result {
     std::string name;

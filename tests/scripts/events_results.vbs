@@ -31,7 +31,7 @@ parser.EventInterval -1, 7
 parser.EventInterval 5000, 5
 log = ""
 For second = 10 To 21
-    parser.Parse "$GPGGA,1300" & second & ",4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,," & vbCrLf
+    Feed "$GPGGA,1300" & second & ",4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,"
 Next
 Same "intervals", UBound(Split(log, "Fix 3")), 3
 Same "GGA nevertheless", UBound(Split(log, "GGA 8")), 12

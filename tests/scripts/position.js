@@ -45,20 +45,6 @@ copy.Grid = 0;
 copy.MakeSameGrid(position);
 same("grid taken over", copy.Grid, 1);
 
-var datum = new ActiveXObject("KavrelCE.CustomDatum");
-datum.SemiMajorAxis = 6377563.396;
-datum.E2 = -0.00667054;
-near("squared eccentricity", datum.E2 * 1e5, 667.054);
-position.CustomDatum = datum;
-same("custom datum", position.Datum, 28);
-var grid = new ActiveXObject("KavrelCE.CustomGrid");
-grid.CustomDatum = datum;
-same("datum of the grid", grid.Datum, 28);
-position.CustomGrid = grid;
-same("custom grid", position.Grid, 52);
-
-expectError("grid without a projection", 0x80042713, "Unknown grid!",
-    function () { return position.Easting; });
 expectError("latitude NaN", 0x80042713, "Invalid latitude. Must be between -PI/2 and PI/2",
     function () { position.Latitude = NaN; });
 expectError("latitude infinite", 0x80042713, "Invalid latitude. Must be between -PI/2 and PI/2",

@@ -57,31 +57,8 @@ other.Move 1000, 90, 1
 Near "moved", position.Distance(other, 1), 1000
 Same "direction", CInt(position.Bearing(other, 1)), 90
 
-' Objects that the script makes.
-Dim datum, grid
+Dim datum
 Set datum = CreateObject("KavrelCE.CustomDatum")
-datum.SemiMajorAxis = 6377563.396
-datum.E2 = 0.00667054
-datum.DeltaX = 375
-datum.DeltaY = -111
-datum.DeltaZ = 431
-datum.RotX = 1
-Near "rotation", datum.RotX, 1
-datum.RotX = 0
-Set grid = CreateObject("KavrelCE.CustomGrid")
-Set grid.CustomDatum = datum
-Same "datum of the grid", grid.Datum, 28
-Near "the grid's own datum", grid.CustomDatum.DeltaX, 375
-grid.Algorithm = 3
-grid.ScaleFactor = 0.9996
-grid.FalseEasting = 500000
-grid.LongitudeOfOrigin = 9 * 3.14159265358979 / 180
-Set position.CustomDatum = datum
-Same "custom datum", position.Datum, 28
-position.Longitude = 9
-Set position.CustomGrid = grid
-Near "custom grid", position.Easting, 500000
-
 On Error Resume Next
 position.Latitude = 91
 ExpectError "latitude", &H80042713, "Invalid latitude. Must be between -PI/2 and PI/2"

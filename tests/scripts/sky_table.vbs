@@ -14,7 +14,8 @@ parser.Parse "$GPGSV,2,2,05,24,5,10,3" & vbCrLf
 
 Set satellites = parser.GetSatellites(0)
 For Each satellite In satellites
-    text = text & satellite.ID & " " & satellite.Elevation & " " & satellite.Azimuth & " " & satellite.SNR
+    text = text & satellite.ID & " " & satellite.Elevation & " " & satellite.Azimuth & " " & _
+        satellite.SNR
     If satellite.UsedForFix Then text = text & " used"
     text = text & ";"
 Next
