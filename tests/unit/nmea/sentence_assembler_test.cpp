@@ -175,6 +175,32 @@ TEST(SentenceAssembler, WrapsAround) {
     }
 }
 
+// The positions wrap every 64 KB; a day of a quick receiver is a gigabyte. Sanitized builds, which
+// take ten times as long, see a sixteenth of it.
+TEST(SentenceAssembler, NeverLosesItsPlace) {
+#ifdef NDEBUG
+    constexpr std::size_t kTotal = std::size_t{1} << 30;
+#else
+    constexpr std::size_t kTotal = std::size_t{1} << 26;
+#endif
+    constexpr std::size_t kPiece = 61;
+    std::string text;
+    constexpr int kSentences = 37;
+    for (int i = 0; i < kSentences; ++i)
+        text += Line("GPXXX," + std::string(static_cast<std::size_t>(i * 3), 'x'));
+
+    SentenceAssembler assembler;
+    std::size_t found = 0;
+    for (std::size_t fed = 0; fed < kTotal / text.size(); ++fed) {
+        for (std::size_t at = 0; at < text.size(); at += kPiece) {
+            assembler.Append(std::string_view(text).substr(at, kPiece));
+            while (assembler.HasSentence())
+                ++found;
+        }
+    }
+    EXPECT_EQ(found, kTotal / text.size() * kSentences);
+}
+
 TEST(SentenceAssembler, HoldsASentenceAsLongAsTheRing) {
     for (std::size_t offset = 0; offset < 512; offset += 73) {
         SentenceAssembler assembler;
