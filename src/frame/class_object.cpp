@@ -5,6 +5,7 @@
 #include <new>
 
 #include "base/library_lock.h"
+#include "frame/com_object.h"
 #include "frame/module.h"
 #include "frame/object_map.h"
 
@@ -12,30 +13,10 @@ namespace kavrel {
 namespace {
 
 // A class factory. Its own references do not keep the module loaded; LockServer does.
-class ClassObject final : public IClassFactory {
+class ClassObject final : public ComObject<IClassFactory> {
   public:
-    explicit ClassObject(const ObjectMapEntry& entry) : entry_(entry) {}
-
-    STDMETHOD(QueryInterface)(REFIID id, void** object) override {
-        if (object == nullptr) return E_POINTER;
-        *object = nullptr;
-        if (!IsEqualIID(id, IID_IUnknown) && !IsEqualIID(id, IID_IClassFactory)) {
-            return E_NOINTERFACE;
-        }
-        *object = static_cast<IClassFactory*>(this);
-        AddRef();
-        return S_OK;
-    }
-
-    STDMETHOD_(ULONG, AddRef)() override {
-        return static_cast<ULONG>(InterlockedIncrement(&referenceCount_));
-    }
-
-    STDMETHOD_(ULONG, Release)() override {
-        const LONG count = InterlockedDecrement(&referenceCount_);
-        if (count == 0) delete this;
-        return static_cast<ULONG>(count);
-    }
+    explicit ClassObject(const ObjectMapEntry& entry)
+        : ComObject(IID_IClassFactory), entry_(entry) {}
 
     STDMETHOD(CreateInstance)(IUnknown* outer, REFIID id, void** object) override {
         if (object == nullptr) return E_POINTER;
@@ -52,10 +33,7 @@ class ClassObject final : public IClassFactory {
     }
 
   private:
-    ~ClassObject() = default;
-
     const ObjectMapEntry& entry_;
-    LONG referenceCount_ = 1;
 };
 
 constexpr std::size_t kMaxClasses = 4;

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "frame/com_ref.h"
+#include "frame/com_object.h"
 #include "frame/module.h"
 
 namespace kavrel {
@@ -18,32 +18,13 @@ namespace kavrel {
 //     static const IID& InterfaceId();
 //     static void Copy(const Kept& from, Item& to);  // makes what the caller will own
 template <typename Interface, typename Item, typename Policy>
-class ComEnumeration final : public Interface {
+class ComEnumeration final : public ComObject<Interface> {
   public:
     using Kept = typename Policy::Kept;
 
     // Null when memory is short.
     static Interface* Create(std::vector<Kept> items) {
         return new (std::nothrow) ComEnumeration(std::move(items), 0);
-    }
-
-    STDMETHOD(QueryInterface)(REFIID id, void** object) override {
-        if (object == nullptr) return E_POINTER;
-        *object = nullptr;
-        if (!IsEqualIID(id, IID_IUnknown) && !IsEqualIID(id, Policy::InterfaceId())) {
-            return E_NOINTERFACE;
-        }
-        *object = static_cast<Interface*>(this);
-        AddRef();
-        return S_OK;
-    }
-    STDMETHOD_(ULONG, AddRef)() override {
-        return static_cast<ULONG>(InterlockedIncrement(&referenceCount_));
-    }
-    STDMETHOD_(ULONG, Release)() override {
-        const LONG count = InterlockedDecrement(&referenceCount_);
-        if (count == 0) delete this;
-        return static_cast<ULONG>(count);
     }
 
     STDMETHOD(Next)(ULONG count, Item* items, ULONG* fetched) override {
@@ -71,12 +52,12 @@ class ComEnumeration final : public Interface {
     }
 
   private:
-    ComEnumeration(std::vector<Kept> items, std::size_t at) : items_(std::move(items)), at_(at) {
+    ComEnumeration(std::vector<Kept> items, std::size_t at)
+        : ComObject<Interface>(Policy::InterfaceId()), items_(std::move(items)), at_(at) {
         LockModule();
     }
-    ~ComEnumeration() { UnlockModule(); }
+    ~ComEnumeration() override { UnlockModule(); }
 
-    LONG referenceCount_ = 1;
     std::vector<Kept> items_;
     std::size_t at_;
 };
