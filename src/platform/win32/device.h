@@ -1,7 +1,6 @@
 // Where a device differs from a desktop: one line each, nothing else of the library asks.
 #pragma once
 
-#include <objbase.h>
 #include <windows.h>
 
 #ifdef UNDER_CE
@@ -38,11 +37,6 @@ inline HANDLE CurrentProcess() {
     return reinterpret_cast<HANDLE>(66);
 }
 
-// There are no apartments.
-inline HRESULT CreateFreeThreadedMarshaler(IUnknown*, IUnknown**) {
-    return E_NOTIMPL;
-}
-
 #else
 
 inline constexpr REGSAM kRegistryAccess = MAXIMUM_ALLOWED;
@@ -61,9 +55,6 @@ inline const void* ResourceData(HGLOBAL resource) {
 }
 inline HANDLE CurrentProcess() {
     return GetCurrentProcess();
-}
-inline HRESULT CreateFreeThreadedMarshaler(IUnknown* outer, IUnknown** marshaler) {
-    return CoCreateFreeThreadedMarshaler(outer, marshaler);
 }
 
 #endif
