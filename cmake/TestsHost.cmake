@@ -18,7 +18,7 @@ function(kavrel_unit_test room)
 endfunction()
 
 # Seconds that each fuzzer runs within the tests. By hand: build/host-asan/tests/fuzz/fuzz_<name>.
-set(KAVREL_FUZZ_SECONDS 5 CACHE STRING "Seconds that each fuzzer runs as a test")
+set(KAVREL_FUZZ_SECONDS 3 CACHE STRING "Seconds that each fuzzer runs as a test")
 
 function(kavrel_fuzz_test name)
   cmake_parse_arguments(FUZZ "" "CORPUS;DICTIONARY" "" ${ARGN})
