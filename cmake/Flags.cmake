@@ -43,6 +43,8 @@ if(WIN32)
   endif()
   if(KAVREL_DEVICE)
     target_compile_definitions(kavrel_product INTERFACE UNDER_CE _WIN32_WCE=300)
+    # With their guards asked for, local statics that are initialised at run time fail to link.
+    target_compile_options(kavrel_product INTERFACE -fthreadsafe-statics)
   endif()
 else()
   set(THREADS_PREFER_PTHREAD_FLAG ON)
