@@ -2,10 +2,9 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <optional>
 
-#include "base/library_lock.h"
+#include "base/locked_queue.h"
 #include "base/record.h"
 #include "platform/event.h"
 
@@ -29,11 +28,6 @@ struct QueuedEvent {
 // Thread safety: every member may be called from any thread; one thread takes.
 class EventQueue {
   public:
-    EventQueue() = default;
-    ~EventQueue();
-    EventQueue(const EventQueue&) = delete;
-    EventQueue& operator=(const EventQueue&) = delete;
-
     void Put(EventCode code, Ref<Record> object);
 
     // Waits for an event and takes the oldest. Nothing when the queue was stopped, though events
@@ -44,15 +38,7 @@ class EventQueue {
     void Stop() { stop_->Signal(); }
 
   private:
-    struct Node {
-        QueuedEvent event;
-        std::unique_ptr<Node> next;
-    };
-
-    std::unique_ptr<Node> Unlink();
-
-    std::unique_ptr<Node> oldest_ KAVREL_GUARDED_BY(libraryLock);
-    Node* newest_ KAVREL_GUARDED_BY(libraryLock) = nullptr;
+    LockedQueue<QueuedEvent> queue_;
     Ref<Event> itemQueued_ = MakeRef<Event>();
     Ref<Event> stop_ = MakeRef<Event>();
 };
