@@ -23,11 +23,10 @@ inline constexpr std::uint32_t kRegistryText = 1;
 inline constexpr std::uint32_t kRegistryBinary = 3;
 inline constexpr std::uint32_t kRegistryInteger = 4;
 
-// Thread safety: every member may be called from any thread.
+// Nobody owns a store by this interface, so that the real one can be a constant without a
+// destructor to run. Thread safety: every member may be called from any thread.
 class RegistryStore {
   public:
-    virtual ~RegistryStore() = default;
-
     virtual std::uint32_t CreateKey(RegistryHandle key, std::u16string_view name,
                                     RegistryHandle& created) = 0;
     virtual std::uint32_t OpenKey(RegistryHandle key, std::u16string_view name,
@@ -42,7 +41,8 @@ class RegistryStore {
     virtual std::uint32_t EnumValue(RegistryHandle key, std::uint32_t index,
                                     std::u16string& name) = 0;
 
-    // The first of the two steps of reading a value: its type and its size in bytes.
+    // The first of the two steps of reading a value: its type and its size in bytes, 0 when it
+    // fails.
     virtual std::uint32_t QueryValueSize(RegistryHandle key, std::u16string_view name,
                                          std::uint32_t& type, std::uint32_t& size) = 0;
 
@@ -52,6 +52,9 @@ class RegistryStore {
 
     virtual std::uint32_t SetValue(RegistryHandle key, std::u16string_view name, std::uint32_t type,
                                    const void* data, std::uint32_t size) = 0;
+
+  protected:
+    ~RegistryStore() = default;
 };
 
 }  // namespace kavrel

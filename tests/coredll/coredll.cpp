@@ -41,18 +41,23 @@ BOOL WINAPI DeviceTerminateProcess(HANDLE process, UINT exitCode) {
                             exitCode);
 }
 
-// The device takes no access mask; a desktop's handle with the mask 0 can do nothing.
+// The device takes no access mask; a desktop's handle with the mask 0 can do nothing. The device
+// also takes a path that begins with a backslash.
+const wchar_t* DesktopPath(const wchar_t* path) {
+    return path != nullptr && *path == L'\\' ? path + 1 : path;
+}
+
 LSTATUS WINAPI DeviceRegOpenKeyExW(HKEY key, const wchar_t* path, DWORD options, REGSAM,
                                    HKEY* opened) {
-    return RegOpenKeyExW(key, path, options, MAXIMUM_ALLOWED, opened);
+    return RegOpenKeyExW(key, DesktopPath(path), options, MAXIMUM_ALLOWED, opened);
 }
 
 LSTATUS WINAPI DeviceRegCreateKeyExW(HKEY key, const wchar_t* path, DWORD reserved,
                                      wchar_t* keyClass, DWORD options, REGSAM,
                                      SECURITY_ATTRIBUTES* security, HKEY* created,
                                      DWORD* disposition) {
-    return RegCreateKeyExW(key, path, reserved, keyClass, options, MAXIMUM_ALLOWED, security,
-                           created, disposition);
+    return RegCreateKeyExW(key, DesktopPath(path), reserved, keyClass, options, MAXIMUM_ALLOWED,
+                           security, created, disposition);
 }
 
 }  // extern "C"

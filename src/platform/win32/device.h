@@ -15,6 +15,11 @@ namespace kavrel {
 // Registry keys are opened without an access mask.
 inline constexpr REGSAM kRegistryAccess = 0;
 
+// A key's path may begin with a backslash; desktops refuse one.
+inline const wchar_t* KeyPath(const wchar_t* path) {
+    return path;
+}
+
 // The operating system's core library, whose directory is the system's.
 inline constexpr const wchar_t* kCoreLibrary = L"coredll.dll";
 
@@ -40,6 +45,9 @@ inline HANDLE CurrentProcess() {
 #else
 
 inline constexpr REGSAM kRegistryAccess = MAXIMUM_ALLOWED;
+inline const wchar_t* KeyPath(const wchar_t* path) {
+    return *path == L'\\' ? path + 1 : path;
+}
 inline constexpr const wchar_t* kCoreLibrary = L"kernel32.dll";
 inline FARPROC FindFunction(HMODULE module, const wchar_t*, const char* narrowName) {
     return GetProcAddress(module, narrowName);
