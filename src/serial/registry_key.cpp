@@ -84,7 +84,8 @@ Ref<RegistryKey> RegistryKey::Open(std::u16string_view name, OpenCall call, Mess
     RegistryHandle opened = 0;
     const std::uint32_t result = (store_.*call)(handle_, name, opened);
     error().Set(result, failure);
-    return result == 0 ? MakeRef<RegistryKey>(store_, opened) : nullptr;
+    if (result != 0) return nullptr;
+    return MakeRef<RegistryKey>(store_, opened);
 }
 
 void RegistryKey::DeleteSubkey(std::u16string_view name) {
