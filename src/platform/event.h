@@ -15,12 +15,22 @@ inline constexpr std::uint32_t kWaitForever = 0xFFFFFFFF;
 // The most events that one wait can take.
 inline constexpr std::size_t kMaxWaitEvents = 64;
 
+// Tells whoever waits for events of several owners whose and which one it is.
+struct EventTag {
+    std::uint32_t ownerId = 0;  // the owner's serial number
+    std::uint32_t index = 0;    // given by the owner
+
+    bool operator==(const EventTag&) const = default;
+};
+
 // An event is unsignalled when made and stays signalled until reset.
 // Thread safety: every member may be called from any thread.
 class Event final : public Record {
   public:
-    Event();
+    explicit Event(EventTag tag = {});
     ~Event() override;
+
+    EventTag tag() const { return tag_; }
 
     void Signal();
     void Reset();
@@ -33,6 +43,7 @@ class Event final : public Record {
                                               std::uint32_t timeoutMs);
 
     void* handle_;
+    EventTag tag_;
 };
 
 // Waits until one of the events is signalled and returns the index of the first that is, or nothing

@@ -21,7 +21,7 @@ bool& IsSignalled(void* handle) {
 
 }  // namespace
 
-Event::Event() : handle_(new State) {}
+Event::Event(EventTag tag) : handle_(new State), tag_(tag) {}
 
 Event::~Event() {
     delete static_cast<State*>(handle_);

@@ -8,7 +8,7 @@
 
 namespace kavrel {
 
-Event::Event() : handle_(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {}
+Event::Event(EventTag tag) : handle_(CreateEventW(nullptr, TRUE, FALSE, nullptr)), tag_(tag) {}
 
 Event::~Event() {
     CloseHandle(handle_);
