@@ -83,8 +83,9 @@ inline constexpr std::uint32_t kModemRlsdOn = 0x80;
 // Event mask of changes of the four input lines.
 inline constexpr std::uint32_t kCommLineEvents = 0x138;
 
-// Thread safety: once open, one thread may read, one write, one wait for lines and one do the rest,
-// all at a time; Close may be called by any of them and ends what the others wait for, in time.
+// Thread safety: once open, one thread may read, one write, one wait for line events, and any do
+// the rest, all at a time. Close may be called by any of them and ends what the others wait for, in
+// time; calls after it fail, also those of a thread that has not heard of it.
 class CommDevice {
   public:
     virtual ~CommDevice() = default;

@@ -2,8 +2,15 @@
 
 #include <pthread.h>
 
+#include <atomic>
+
+#include "platform/host/thread_failure.h"
+
 namespace kavrel {
 namespace {
+
+std::atomic<int> startsUntilFailure;
+std::atomic<std::uint32_t> startError;
 
 struct Beginning {
     ThreadEntry entry;
@@ -19,7 +26,15 @@ void* Begin(void* parameter) {
 
 }  // namespace
 
+void FailThreadStart(int nth, std::uint32_t error) {
+    startError = error;
+    startsUntilFailure = nth;
+}
+
 std::uint32_t Thread::Start(ThreadEntry entry, void* argument, const char* name) {
+    // Stays at or below 0 once a failure was had, or was never asked for.
+    if (startsUntilFailure > 0 && --startsUntilFailure == 0) return startError;
+
     pthread_t thread{};
     auto* const beginning = new Beginning{entry, argument};
     const int result = pthread_create(&thread, nullptr, Begin, beginning);
