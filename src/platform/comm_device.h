@@ -16,6 +16,8 @@ struct [[nodiscard]] CommResult {
     explicit operator bool() const { return isDone; }
 };
 
+// NOLINTBEGIN(readability-identifier-naming): the fields have the platform's names
+
 // The device control block (DCB).
 struct CommState {
     std::uint32_t BaudRate = 0;
@@ -57,6 +59,8 @@ struct CommTimeouts {
 
     bool operator==(const CommTimeouts&) const = default;
 };
+
+// NOLINTEND(readability-identifier-naming)
 
 // Codes of EscapeCommFunction.
 enum class CommFunction : std::uint32_t {

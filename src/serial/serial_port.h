@@ -158,19 +158,20 @@ class SerialPort final : public Record, private ThreadOwner {
     void ApplyControlBlock() KAVREL_REQUIRES(lock_);
     void ApplyTimeouts() KAVREL_REQUIRES(lock_);
     void ApplyDtr(bool isOn) KAVREL_REQUIRES(lock_);
-    void ApplyInfrared() KAVREL_REQUIRES(lock_);
+    void ApplyInfrared(bool isOn) KAVREL_REQUIRES(lock_);
     void ApplyPurge(bool input, bool output) KAVREL_REQUIRES(lock_);
     void StartThreads() KAVREL_REQUIRES(lock_);
     void Shut() KAVREL_REQUIRES(lock_);
     void Tweak(bool beforeOpen) KAVREL_REQUIRES(lock_);
-    void EscapeLine(bool isOn, CommFunction set, CommFunction clear, Message failure)
-        KAVREL_REQUIRES(lock_);
+    void Escape(CommFunction function, Message failure) KAVREL_REQUIRES(lock_);
+    CommResult UpdateLines(std::uint32_t lines);
 
     // On the worker threads.
     void ReadLoop();
     void WriteLoop();
     void WatchLoop();
-    void Fail(ErrorCode code, Message message, Event& stop);
+    void Fail(CommResult result, Message message, Event& stop);
+    void KeepFailure(CommResult result, Message message);
 
     const std::unique_ptr<CommDevice> device_;
     RegistryStore& registry_;
