@@ -38,10 +38,10 @@ enum class PortSignal : std::uint32_t {
 // apart, because the threads fail while operations run, until the port is closed; ErrorEvent() is
 // signalled and CopyFailure() gets it.
 //
-// Thread safety: every member may be called from any thread; operations and getters take turns, by
-// a lock of the port's own, under which Close waits for the worker threads. So none of them is
-// called with the library lock held, but for those said to be for the consumer, which never wait.
-// error() may be read while no other thread runs an operation.
+// Thread safety: every member may be called from any thread that does not hold the library lock.
+// Operations and getters take turns, by a lock of the port's own, under which Close waits for the
+// worker threads; those said to be for the consumer do not. error() may be read while no other
+// thread runs an operation.
 //
 // Invariants: the worker threads run only while the port is open. Closed by the last release.
 class SerialPort final : public Record, private ThreadOwner {

@@ -85,6 +85,25 @@ TEST_F(CloseTest, AfterAFailure) {
     }
 }
 
+// Closing makes reads, writes and line waits fail, of which nobody is told.
+TEST_F(CloseTest, SignalsNoErrorOfItsOwn) {
+    const Ref<Event> isOver = MakeRef<Event>();
+    std::thread consumer([&] {
+        const Ref<Event> failed = port_->ErrorEvent();
+        const std::array<Event*, 2> events = {failed.get(), isOver.get()};
+        EXPECT_EQ(WaitAny(events, kWaitForever), 1u);
+    });
+    device_.HoldWrites(true);
+    for (int i = 1; i <= 100; ++i) {
+        port_->Open();
+        port_->Write(BlockOf("held"));
+        device_.WaitForCalls(CommCall::Write, i);
+        port_->Close();
+    }
+    isOver->Signal();
+    consumer.join();
+}
+
 // Everything at once: bytes pour in, a consumer takes them, a client writes and changes settings,
 // and another thread closes and opens.
 TEST_F(CloseTest, WhileEverythingIsUsed) {

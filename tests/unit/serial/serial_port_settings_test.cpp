@@ -110,15 +110,27 @@ TEST_F(PortTest, TweaksBluetoothBeforeAndAfterOpening) {
 }
 
 TEST_F(PortTest, OpenStopsAtTheFirstFailure) {
+    const std::vector<std::string> calls = {"Open COM0:",  "GetState", "SetState", "GetTimeouts",
+                                            "SetTimeouts", "Escape 5", "Purge 12", "Escape 10"};
+    const struct {
+        CommCall call;
+        int nth;
+        std::size_t made;
+        const char* expected;
+    } kCases[] = {{CommCall::SetState, 1, 3, "10007 Could not set DCB"},
+                  {CommCall::SetTimeouts, 1, 5, "10007 Unexpected com port error."},
+                  {CommCall::Escape, 1, 6, "87 Error setting DTR"},
+                  {CommCall::Escape, 2, 8, "87 Error setting IR"}};
     port_->SetInfrared(true);
-    device_.FailCall(CommCall::SetTimeouts, 1, 87);
-    port_->Open();
-    EXPECT_THAT(device_.TakeLog(), ElementsAre("Open COM0:", "GetState", "SetState", "GetTimeouts",
-                                               "SetTimeouts", "Close"));
-    device_.FailCall(CommCall::Escape, 2, 87);
-    port_->Open();
-    EXPECT_EQ(Error(), "87 Error setting IR");
-    EXPECT_FALSE(port_->IsOpen());
+    for (const auto& [call, nth, made, expected] : kCases) {
+        device_.FailCall(call, nth, 87);
+        port_->Open();
+        EXPECT_EQ(Error(), expected);
+        EXPECT_FALSE(port_->IsOpen());
+        std::vector<std::string> log(calls.begin(), calls.begin() + static_cast<long>(made));
+        log.emplace_back("Close");
+        EXPECT_EQ(device_.TakeLog(), log);
+    }
 }
 
 TEST_F(PortTest, OpenReportsAThreadThatDoesNotStart) {
