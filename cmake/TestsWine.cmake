@@ -1,5 +1,6 @@
 # The Windows flavours' side of Tests.cmake.
 set(runWine "${CMAKE_SOURCE_DIR}/tools/run-wine")
+set(runWithPorts "${CMAKE_SOURCE_DIR}/tools/run_with_ports.py")
 set(winePrefix "${CMAKE_BINARY_DIR}/prefix")
 
 # GoogleTest for mingw, from Debian's sources.
@@ -58,8 +59,9 @@ function(kavrel_wine_fixtures)
 endfunction()
 
 function(kavrel_wine_test_properties name)
-  cmake_parse_arguments(TEST "REGISTRY;ALONE;WINDOWLESS" "" "" ${ARGN})
+  cmake_parse_arguments(TEST "REGISTRY;ALONE;WINDOWLESS;SERIAL" "" "" ${ARGN})
   set(prefix wine_prefix)
+  set(locks "")
   if(TEST_WINDOWLESS)
     set(prefix windowless_prefix)
     set_property(GLOBAL PROPERTY KAVREL_WINDOWLESS_TESTS TRUE)
@@ -67,22 +69,26 @@ function(kavrel_wine_test_properties name)
   set_tests_properties(${name} PROPERTIES
     FIXTURES_REQUIRED "${prefix};${prefix}_registered" TIMEOUT 120)
   if(TEST_REGISTRY)
-    set_tests_properties(${name} PROPERTIES RESOURCE_LOCK registry)
+    list(APPEND locks registry)
   endif()
+  if(TEST_SERIAL)
+    list(APPEND locks serial)
+  endif()
+  set_tests_properties(${name} PROPERTIES RESOURCE_LOCK "${locks}")
   if(TEST_ALONE)
     set_tests_properties(${name} PROPERTIES RUN_SERIAL TRUE)
   endif()
 endfunction()
 
 function(kavrel_automation_test name)
-  cmake_parse_arguments(TEST "REGISTRY;ALONE;WINDOWLESS" "" "LIBS" ${ARGN})
+  cmake_parse_arguments(TEST "REGISTRY;ALONE;WINDOWLESS;SERIAL" "" "LIBS" ${ARGN})
   set(target automation_${name})
   add_executable(${target} ${TEST_UNPARSED_ARGUMENTS} "${CMAKE_SOURCE_DIR}/tests/wine_main.cpp")
   target_link_libraries(${target} PRIVATE kavrel_wine_test_base kavrel_idl ${TEST_LIBS})
   add_dependencies(${target} KavrelCE)
   set(prefix "${winePrefix}")
   set(flags "")
-  foreach(flag REGISTRY ALONE WINDOWLESS)
+  foreach(flag REGISTRY ALONE WINDOWLESS SERIAL)
     if(TEST_${flag})
       list(APPEND flags ${flag})
     endif()
@@ -90,8 +96,12 @@ function(kavrel_automation_test name)
   if(TEST_WINDOWLESS)
     string(APPEND prefix -windowless)
   endif()
+  set(runner "${runWine}")
+  if(TEST_SERIAL)
+    set(runner "${runWithPorts}")
+  endif()
   # In the DLL's folder, where a test that loads it by path finds coredll.dll, too.
-  add_test(NAME ${target} COMMAND "${runWine}" "${prefix}" "$<TARGET_FILE:${target}>"
+  add_test(NAME ${target} COMMAND "${runner}" "${prefix}" "$<TARGET_FILE:${target}>"
     WORKING_DIRECTORY "${CMAKE_BINARY_DIR}")
   kavrel_wine_test_properties(${target} ${flags})
   set_tests_properties(${target} PROPERTIES LABELS automation)
@@ -122,10 +132,11 @@ endfunction()
 function(kavrel_native_library name)
   list(TRANSFORM ARGN PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/" OUTPUT_VARIABLE sources)
   set(library "${CMAKE_BINARY_DIR}/lib${name}.so")
+  file(GLOB headers CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.h")
   add_custom_command(OUTPUT "${library}"
     COMMAND g++ -std=c++20 -O2 -g -Wall -Wextra -Werror -shared -fPIC -o "${library}" ${sources}
       -ldl
-    DEPENDS ${sources}
+    DEPENDS ${sources} ${headers}
     VERBATIM)
   add_custom_target(${name} ALL DEPENDS "${library}")
 endfunction()

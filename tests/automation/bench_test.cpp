@@ -1,0 +1,72 @@
+// What tests rely on: replaced imports, and counts of the system's resources.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <thread>
+
+#include "automation/support/import_hook.h"
+#include "automation/support/library.h"
+#include "automation/support/resources.h"
+#include "automation/support/steps.h"
+
+using Microsoft::WRL::ComPtr;
+
+namespace kavrel::tests {
+
+namespace {
+
+DWORD lastTimeout = 0;
+
+DWORD WINAPI TimeOutAtOnce(HANDLE, DWORD timeoutMs) {
+    lastTimeout = timeoutMs;
+    return WAIT_TIMEOUT;
+}
+
+using BenchTest = AutomationTest;
+
+TEST_F(BenchTest, HookReplacesAnImport) {
+    const ComPtr<IDispatch> parser = CreateParser();
+    ExpectSteps(parser.Get(), {{L"=NoEvents", {true}, ""}});
+    {
+        const ImportHook hook("WaitForSingleObject", TimeOutAtOnce);
+        ExpectSteps(parser.Get(), {{L"GetQuality", {60000}, "DISPATCH null"}});
+        EXPECT_EQ(60000U, lastTimeout);
+        EXPECT_EQ(reinterpret_cast<void*>(&TimeOutAtOnce), *ImportedPlace("WaitForSingleObject"));
+    }
+    lastTimeout = 0;
+    ExpectSteps(parser.Get(), {{L"GetQuality", {1}, "DISPATCH null"}});
+    EXPECT_EQ(0U, lastTimeout);
+}
+
+TEST_F(BenchTest, OnlyImportsCanBeReplaced) {
+    EXPECT_EQ(nullptr, ImportedPlace("SetConsoleTitleW"));
+    EXPECT_NE(nullptr, ImportedPlace("SysFreeString"));
+}
+
+TEST_F(BenchTest, ResourcesAreCountedExactly) {
+    std::thread([] {}).join();  // what first uses leave behind
+    (void)Resources::Now();
+    const Resources before = Resources::Now();
+    EXPECT_EQ(before, Resources::Now());
+
+    HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    EXPECT_EQ(before.handles + 1, Resources::Now().handles);
+    CloseHandle(event);
+
+    BSTR text = SysAllocStringLen(nullptr, 1000);
+    EXPECT_EQ(before.heapBlocks + 1, Resources::Now().heapBlocks);
+    EXPECT_LE(before.heapBytes + 2000, Resources::Now().heapBytes);
+    SysFreeString(text);
+
+    event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    std::thread thread([event] { WaitForSingleObject(event, INFINITE); });
+    EXPECT_EQ(before.threads + 1, Resources::Now().threads);
+    SetEvent(event);
+    thread.join();
+    CloseHandle(event);
+    EXPECT_EQ(before.handles, Resources::Now().handles);
+}
+
+}  // namespace
+
+}  // namespace kavrel::tests
