@@ -1,124 +1,127 @@
-"""Gives a test program under Wine serial ports, and the far ends of them, over a local socket.
+"""Gives a test program under Wine serial ports, and the far ends of them.
 
-A connection is a port: it comes with the connection and goes with it, so every test has fresh
-ones, and none is left over by a program that crashes. The client sends requests of one line, some
-with bytes behind it, and gets an answer to each:
+The program asks over a serial port, too, COM9: Wine's 32-bit programs have no sockets. A request is
+a line that begins with a port's number, or with "-". Each is answered at once:
 
-    request                                  answer, one line and bytes
-    feed COUNT MS, then COUNT bytes          TAKEN TIME: how many the program's side took within
-                                             MS milliseconds; the time before the first
-    stream COUNT MS, then COUNT bytes        the bytes over and over, once each MS milliseconds, in
-                                             the background; with 0 as fast as they are taken
-    stop                                     the stream ends
-    written COUNT MS                         N, then N bytes: what the program wrote, as soon as it
-                                             is COUNT bytes, or what there is after MS milliseconds
-    listen 0|1                               whether what the program writes is taken at all
-    lines [CTS] [DSR] [RING] [RLSD]          sets the input lines, the others are off
-    outputs                                  the output lines that are on: [DTR] [RTS]
-    baud                                     the rate that the program set
-    breaks                                   how many breaks it began
-    unplug, plug
-    time                                     TIME, in nanoseconds
+    request                                  answer
+    - open                                   the number of a new port with a device plugged in
+    - time                                   nanoseconds
+    N close                                  the port is no longer there
+    N feed COUNT, then COUNT bytes           they are given to the program in the background
+    N stream COUNT MS, then COUNT bytes      the same again and again, once each MS milliseconds;
+                                             with 0 as fast as they are taken
+    N left                                   LEFT TIME: how many bytes of a feed the program has not
+                                             taken yet, and when it was offered the first
+    N stop                                   the feed or stream ends; a new one ends it, too
+    N written                                COUNT, then COUNT bytes: what the program wrote
+    N listen 0|1                             whether what the program writes is taken at all
+    N lines [CTS] [DSR] [RING] [RLSD]        sets the input lines, the others are off
+    N outputs                                the output lines that are on: [DTR] [RTS]
+    N baud                                   the rate that the program set
+    N breaks                                 how many breaks it began
+    N unplug, N plug
 
-The first answer, to no request, is the port's number. An answer begins with "ok" or "error".
+An answer is a text of 64 characters, filled up with spaces, that begins with "ok" or "error"; where
+said so, bytes follow.
 """
 
-import socketserver
-import threading
 import time
 
 import serial_ports
 
+CONTROL = serial_ports.NUMBERS[-1]
+ANSWER_SIZE = 64
 
-class Session(socketserver.StreamRequestHandler):
-    disable_nagle_algorithm = True
 
-    def handle(self):
-        self.port = self.server.take_port()
-        try:
-            self._answer(str(self.port.number))
-            while line := self.rfile.readline():
-                self._serve(line.decode("ascii").split())
-        finally:
-            self.port.unplug()
-            self.server.give_back(self.port)
+class PortServer:
+    """Serves the one program that opens COM9."""
+
+    def __init__(self, prefix, left_out):
+        self._prefix = prefix
+        self._control = serial_ports.Port(prefix, CONTROL)
+        # The numbers are taken in turn: programs may be slow to let go of one.
+        self._free = [n for n in serial_ports.NUMBERS if n not in (CONTROL, *left_out)]
+        self._ports = {}
+        self._input = b""
+
+    def serve_forever(self):
+        while True:
+            while b"\n" not in self._input:
+                self._receive()
+            line, self._input = self._input.split(b"\n", 1)
+            self._serve(line.decode("ascii").split())
+
+    def _receive(self):
+        self._input += self._control.device.take_written(1)
+
+    def _take_bytes(self, count):
+        while len(self._input) < count:
+            self._receive()
+        data, self._input = self._input[:count], self._input[count:]
+        return data
 
     def _serve(self, words):
+        data = b""
         try:
-            answer, data = getattr(self, "do_" + words[0])(*words[1:]), b""
+            number, verb, *rest = words
+            if verb in ("feed", "stream"):
+                rest[0] = self._take_bytes(int(rest[0]))
+            target = [] if number == "-" else [self._ports[number]]
+            answer = getattr(self, "_" + verb)(*target, *rest)
             if isinstance(answer, bytes):
-                answer, data = str(len(answer)), answer
-            self._answer(answer, data)
-        except (AttributeError, KeyError, OSError, TypeError, ValueError) as fault:
-            self._send(f"error {' '.join(words)}: {fault!r}\n".encode())
+                answer, data = len(answer), answer
+            text = "ok" if answer is None else f"ok {answer}"
+        except (AttributeError, LookupError, OSError, TypeError, ValueError) as fault:
+            text = f"error {fault!r}"
+        header = text[:ANSWER_SIZE].ljust(ANSWER_SIZE).encode("ascii", "replace")
+        self._control.device.feed(header + data)
 
-    def _answer(self, text, data=b""):
-        self._send(f"ok {text or ''}\n".encode("ascii") + data)
+    def _open(self):
+        port = serial_ports.Port(self._prefix, self._free.pop(0))
+        self._ports[str(port.number)] = port
+        return port.number
 
-    def _send(self, data):
-        self.wfile.write(data)
-        self.wfile.flush()
+    def _close(self, port):
+        port.unplug()
+        del self._ports[str(port.number)]
+        self._free.append(port.number)
 
-    def do_feed(self, count, milliseconds):
-        data = self.rfile.read(int(count))
-        deadline = time.monotonic() + int(milliseconds) / 1000
-        begun = time.monotonic_ns()
-        taken = self.port.device.feed(data, lambda: time.monotonic() > deadline)
-        return f"{taken} {begun}"
+    def _time(self):
+        return time.monotonic_ns()
 
-    def do_stream(self, count, milliseconds):
-        self.port.start_stream([self.rfile.read(int(count))], int(milliseconds) / 1000)
+    def _feed(self, port, data):
+        port.start_stream([data], rounds=1)
 
-    def do_stop(self):
-        self.port.stop_stream()
+    def _stream(self, port, data, milliseconds):
+        port.start_stream([data], int(milliseconds) / 1000)
 
-    def do_written(self, count, milliseconds):
-        return self.port.device.take_written(int(count), int(milliseconds) / 1000)
+    def _left(self, port):
+        return f"{port.stream.left} {port.stream.begun}"
 
-    def do_listen(self, is_on):
-        self.port.device.listen(is_on == "1")
+    def _stop(self, port):
+        port.stop_stream()
 
-    def do_lines(self, *names):
-        self.port.device.state["inputs"] = sum(serial_ports.INPUTS[name] for name in names)
+    def _written(self, port):
+        return port.device.take_written(0)
 
-    def do_outputs(self):
-        lines = self.port.device.state["outputs"]
+    def _listen(self, port, is_on):
+        port.device.listen(is_on == "1")
+
+    def _lines(self, port, *names):
+        port.device.state["inputs"] = sum(serial_ports.INPUTS[name] for name in names)
+
+    def _outputs(self, port):
+        lines = port.device.state["outputs"]
         return " ".join(name for name, bit in serial_ports.OUTPUTS.items() if lines & bit)
 
-    def do_baud(self):
-        return str(self.port.device.baud_rate())
+    def _baud(self, port):
+        return port.device.baud_rate()
 
-    def do_breaks(self):
-        return str(self.port.device.state["breaks"])
+    def _breaks(self, port):
+        return port.device.state["breaks"]
 
-    def do_unplug(self):
-        self.port.unplug()
+    def _unplug(self, port):
+        port.unplug()
 
-    def do_plug(self):
-        self.port.plug()
-
-    def do_time(self):
-        return str(time.monotonic_ns())
-
-
-class PortServer(socketserver.ThreadingTCPServer):
-    daemon_threads = True
-
-    def __init__(self, prefix):
-        super().__init__(("127.0.0.1", 0), Session)
-        self._prefix = prefix
-        self._free = list(serial_ports.NUMBERS)
-        self._lock = threading.Lock()
-
-    def take_port(self):
-        with self._lock:
-            # The one that was given back longest ago: programs may be slow to let go of it.
-            return serial_ports.Port(self._prefix, self._free.pop(0))
-
-    def leave_out(self, number):
-        """Somebody else has that one."""
-        self._free.remove(number)
-
-    def give_back(self, port):
-        with self._lock:
-            self._free.append(port.number)
+    def _plug(self, port):
+        port.plug()

@@ -3,8 +3,7 @@
 
     run_with_ports.py <prefix folder> [--receiver FILE [--every MS] | --device PATH] command [argument]...
 
-The command finds a server of ports under the environment variable KAVREL_PORT_SERVER; see
-port_server.py. The options add a port whose number replaces "{port}" in the command's arguments:
+The command finds a server of ports behind COM9; see port_server.py. The options add a port whose number replaces "{port}" in the command's arguments:
 
 --receiver FILE  a receiver that says the file's text over and over, as fast as it is read, or with
                  --every one fix each that many milliseconds
@@ -14,7 +13,6 @@ Only one such run at a time can have a prefix.
 """
 
 import argparse
-import os
 import subprocess
 import sys
 import threading
@@ -38,13 +36,18 @@ def fixes(text):
 
 def add_port(prefix, options):
     """The number of the port that the options ask for."""
-    number = serial_ports.NUMBERS[-1]
+    number = serial_ports.NUMBERS[0]
     if options.device:
         serial_ports.link_to(serial_ports.link_of(prefix, number), options.device)
     else:
         pieces = fixes(Path(options.receiver).read_bytes())
         serial_ports.Port(prefix, number).start_stream(pieces, options.every / 1000)
     return number
+
+
+def remove_links(prefix):
+    for number in serial_ports.NUMBERS:
+        serial_ports.link_of(prefix, number).unlink(missing_ok=True)
 
 
 def main():
@@ -57,24 +60,19 @@ def main():
     options = parser.parse_args()
     prefix = options.prefix.resolve()
 
-    for number in serial_ports.NUMBERS:
-        serial_ports.link_of(prefix, number).unlink(missing_ok=True)
-    command = options.command
-    server = PortServer(prefix)
+    remove_links(prefix)
+    command, left_out = options.command, []
     if options.receiver or options.device:
         number = add_port(prefix, options)
-        server.leave_out(number)
+        left_out = [number]
         command = [word.replace("{port}", str(number)) for word in command]
+    server = PortServer(prefix, left_out)
     threading.Thread(target=server.serve_forever, daemon=True).start()
-
     runner = Path(__file__).with_name("run-wine")
-    host, port = server.server_address
-    environment = {**os.environ, "KAVREL_PORT_SERVER": f"{host}:{port}"}
     try:
-        return subprocess.run([runner, prefix, *command], env=environment, check=False).returncode
+        return subprocess.run([runner, prefix, *command], check=False).returncode
     finally:
-        for number in serial_ports.NUMBERS:
-            serial_ports.link_of(prefix, number).unlink(missing_ok=True)
+        remove_links(prefix)
 
 
 if __name__ == "__main__":

@@ -89,25 +89,25 @@ class Device:
         self.is_listening = is_on
         os.eventfd_write(self._wake, 1)
 
-    def take_written(self, count, seconds):
-        """What the program wrote, as soon as it is that many bytes, or what there is by then."""
+    def take_written(self, count):
+        """What the program wrote; waits until it is that many bytes."""
         with self._changed:
-            self._changed.wait_for(lambda: len(self._written) >= count, seconds)
+            self._changed.wait_for(lambda: len(self._written) >= count)
             data = bytes(self._written)
             self._written.clear()
         return data
 
-    def feed(self, data, is_enough):
-        """Hands bytes to the program, waiting while it does not read. The bytes that were taken."""
-        done = 0
-        while done < len(data) and not is_enough():
+    def feed(self, data, is_enough=lambda: False):
+        """Hands bytes to the program, waiting while it does not read. The number that it took."""
+        rest = memoryview(data)
+        while rest and not is_enough():
             _, ready, _ = select.select([], [self._master], [], 0.02)
             if ready:
                 try:
-                    done += os.write(self._master, data[done:])
+                    rest = rest[os.write(self._master, rest) :]
                 except BlockingIOError:
                     pass
-        return done
+        return len(data) - len(rest)
 
     def baud_rate(self):
         return RATES.get(termios.tcgetattr(self._master)[5], 0)
@@ -122,9 +122,11 @@ class Device:
 
 
 class Stream:
-    """Feeds a text over and over, or once, until it is stopped."""
+    """Feeds pieces of text in the background, one each interval (seconds), until it is stopped."""
 
     def __init__(self, device, pieces, interval, rounds):
+        self.left = sum(map(len, pieces))  # of the first round
+        self.begun = 0  # when the first byte was offered: nanoseconds
         self._stop = threading.Event()
         self._thread = threading.Thread(
             target=self._run, args=(device, pieces, interval, rounds), daemon=True
@@ -133,14 +135,13 @@ class Stream:
 
     def _run(self, device, pieces, interval, rounds):
         due = time.monotonic()
-        while rounds != 0 and not self._stop.is_set():
+        self.begun = time.monotonic_ns()
+        while rounds != 0:
             for piece in pieces:
-                if self._stop.is_set():
-                    return
-                device.feed(piece, self._stop.is_set)
+                self.left -= device.feed(piece, self._stop.is_set)
                 due += interval
-                if interval:
-                    self._stop.wait(max(0, due - time.monotonic()))
+                if self._stop.wait(max(0, due - time.monotonic())):
+                    return
             rounds -= 1
 
     def stop(self):
@@ -155,7 +156,7 @@ class Port:
         self.number = number
         self._state_folder = Path(f"{prefix}.ttysim")  # as tools/wine-prefix names it
         self._link = link_of(prefix, number)
-        self._stream = None
+        self.stream = None
         self.device = None
         self.plug()
 
@@ -172,15 +173,15 @@ class Port:
             self.device = None
 
     def start_stream(self, pieces, interval=0.0, rounds=-1):
-        """Pieces are fed one each interval (seconds), or as fast as they are taken with 0; all of
-        them that many times, for ever with -1."""
+        """All pieces so many times, for ever with -1."""
         self.stop_stream()
-        self._stream = Stream(self.device, pieces, interval, rounds)
+        if self.device is None:
+            raise ValueError("unplugged")
+        self.stream = Stream(self.device, pieces, interval, rounds)
 
     def stop_stream(self):
-        if self._stream is not None:
-            self._stream.stop()
-            self._stream = None
+        if self.stream is not None:
+            self.stream.stop()
 
 
 def link_of(prefix, number):

@@ -1,9 +1,6 @@
 // What tests rely on: replaced imports, and counts of the system's resources.
 #include <gtest/gtest.h>
 
-#include <memory>
-#include <thread>
-
 #include "automation/support/import_hook.h"
 #include "automation/support/library.h"
 #include "automation/support/resources.h"
@@ -20,6 +17,10 @@ DWORD lastTimeout = 0;
 DWORD WINAPI TimeOutAtOnce(HANDLE, DWORD timeoutMs) {
     lastTimeout = timeoutMs;
     return WAIT_TIMEOUT;
+}
+
+DWORD WINAPI WaitFor(void* event) {
+    return WaitForSingleObject(event, INFINITE);
 }
 
 using BenchTest = AutomationTest;
@@ -44,7 +45,6 @@ TEST_F(BenchTest, OnlyImportsCanBeReplaced) {
 }
 
 TEST_F(BenchTest, ResourcesAreCountedExactly) {
-    std::thread([] {}).join();  // what first uses leave behind
     (void)Resources::Now();
     const Resources before = Resources::Now();
     EXPECT_EQ(before, Resources::Now());
@@ -59,10 +59,13 @@ TEST_F(BenchTest, ResourcesAreCountedExactly) {
     SysFreeString(text);
 
     event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    std::thread thread([event] { WaitForSingleObject(event, INFINITE); });
+    // Not std::thread, which keeps handles of its own.
+    HANDLE thread = CreateThread(nullptr, 0, WaitFor, event, 0, nullptr);
     EXPECT_EQ(before.threads + 1, Resources::Now().threads);
+    EXPECT_EQ(before.handles + 2, Resources::Now().handles);
     SetEvent(event);
-    thread.join();
+    WaitForSingleObject(thread, INFINITE);
+    CloseHandle(thread);
     CloseHandle(event);
     EXPECT_EQ(before.handles, Resources::Now().handles);
 }

@@ -1,62 +1,106 @@
-// winsock2.h before anything that includes windows.h.
 #include "automation/support/test_port.h"
 
 #include <gtest/gtest.h>
-#include <winsock2.h>
+#include <windows.h>
 
 #include <cstdlib>
+#include <mutex>
 
 namespace kavrel::tests {
 
 namespace {
 
-// From "127.0.0.1:1234", which the program was given.
-std::uintptr_t Connect() {
-    static const int isStarted = [] {
-        WSADATA data;
-        return WSAStartup(MAKEWORD(2, 2), &data);
-    }();
-    const char* const server = std::getenv("KAVREL_PORT_SERVER");
-    if (isStarted != 0 || server == nullptr) return INVALID_SOCKET;
-    const std::string text = server;
-    const size_t colon = text.find(':');
-    sockaddr_in address = {};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = inet_addr(text.substr(0, colon).c_str());
-    address.sin_port = htons(static_cast<u_short>(std::atoi(text.c_str() + colon + 1)));
-    const SOCKET connection = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
-    if (connect(connection, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
-        return connection;
+constexpr size_t kAnswerSize = 64;
+constexpr DWORD kAnswerMs = 10000;
+
+// The connection to the server (tools/port_server.py), one for the program.
+class Server {
+  public:
+    static Server& Instance() {
+        static Server server;
+        return server;
     }
-    closesocket(connection);
-    return INVALID_SOCKET;
+
+    // The answer to a request, without "ok". Bytes are sent behind the request; with `answered` the
+    // answer's number counts bytes that come behind it, and they go there.
+    std::string Ask(const std::string& request, std::string_view bytes, std::string* answered) {
+        const std::lock_guard lock(mutex_);
+        if (comm_ == INVALID_HANDLE_VALUE) return {};
+        std::string answer(kAnswerSize, '\0');
+        if (!Send(request + '\n') || !Send(bytes) || !Receive(answer)) {
+            ADD_FAILURE() << request << ": the server of ports does not answer";
+            return {};
+        }
+        answer.erase(answer.find_last_not_of(' ') + 1);
+        if (!answer.starts_with("ok")) {
+            ADD_FAILURE() << request << ": " << answer;
+            return {};
+        }
+        answer.erase(0, 3);
+        if (answered != nullptr) {
+            answered->resize(std::strtoul(answer.c_str(), nullptr, 10));
+            EXPECT_TRUE(Receive(*answered));
+        }
+        return answer;
+    }
+
+  private:
+    Server()
+        : comm_(CreateFileW(L"COM9:", GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+                            FILE_ATTRIBUTE_NORMAL, nullptr)) {
+        if (comm_ == INVALID_HANDLE_VALUE) {
+            ADD_FAILURE() << "tools/run_with_ports.py runs programs that need serial ports";
+        }
+        // A read waits for all bytes.
+        COMMTIMEOUTS timeouts = {0, 0, kAnswerMs, 0, kAnswerMs};
+        SetCommTimeouts(comm_, &timeouts);
+    }
+    ~Server() { CloseHandle(comm_); }
+
+    bool Send(std::string_view bytes) {
+        DWORD sent = 0;
+        const auto size = static_cast<DWORD>(bytes.size());
+        return size == 0 || (WriteFile(comm_, bytes.data(), size, &sent, nullptr) && sent == size);
+    }
+
+    bool Receive(std::string& bytes) {
+        DWORD count = 0;
+        const auto size = static_cast<DWORD>(bytes.size());
+        return size == 0 || (ReadFile(comm_, bytes.data(), size, &count, nullptr) && count == size);
+    }
+
+    std::mutex mutex_;
+    HANDLE comm_;
+};
+
+// Asks until it is done or the time is over.
+template <typename Done>
+void Poll(int timeoutMs, Done done) {
+    const DWORD start = GetTickCount();
+    while (!done() && GetTickCount() - start < static_cast<DWORD>(timeoutMs))
+        Sleep(2);
 }
 
 }  // namespace
 
-TestPort::TestPort() : socket_(Connect()) {
-    if (socket_ == INVALID_SOCKET) {
-        ADD_FAILURE() << "no serial ports: tools/run_with_ports.py runs programs that need them";
-        return;
-    }
-    number_ = std::atoi(ReadAnswer().c_str());
-}
+TestPort::TestPort() : number_(std::atoi(Server::Instance().Ask("- open", {}, nullptr).c_str())) {}
 
 TestPort::~TestPort() {
-    if (socket_ != INVALID_SOCKET) closesocket(socket_);
-}
-
-size_t TestPort::Offer(std::string_view bytes, int timeoutMs) {
-    const std::string answer =
-        Ask("feed " + std::to_string(bytes.size()) + ' ' + std::to_string(timeoutMs), bytes);
-    return std::strtoul(answer.c_str(), nullptr, 10);
+    Ask("close");
 }
 
 std::uint64_t TestPort::Feed(std::string_view bytes) {
-    const std::string answer = Ask("feed " + std::to_string(bytes.size()) + " 20000", bytes);
-    char* rest = nullptr;
-    EXPECT_EQ(bytes.size(), std::strtoul(answer.c_str(), &rest, 10)) << "bytes that nobody read";
-    return std::strtoull(rest, nullptr, 10);
+    EXPECT_EQ(bytes.size(), Offer(bytes, 20000)) << "bytes that nobody read";
+    const std::string left = Ask("left");
+    return std::strtoull(left.c_str() + left.find(' '), nullptr, 10);
+}
+
+size_t TestPort::Offer(std::string_view bytes, int timeoutMs) {
+    Ask("feed " + std::to_string(bytes.size()), bytes);
+    const auto left = [this] { return std::strtoul(Ask("left").c_str(), nullptr, 10); };
+    Poll(timeoutMs, [&] { return left() == 0; });
+    StopStream();
+    return bytes.size() - left();
 }
 
 void TestPort::StartStream(std::string_view text, int everyMs) {
@@ -68,11 +112,14 @@ void TestPort::StopStream() {
 }
 
 std::string TestPort::Written(size_t count, int timeoutMs) {
-    const std::string answer =
-        Ask("written " + std::to_string(count) + ' ' + std::to_string(timeoutMs));
-    std::string bytes(std::strtoul(answer.c_str(), nullptr, 10), '\0');
-    if (!Receive(bytes.data(), bytes.size())) ADD_FAILURE() << "the server of ports has gone";
-    return bytes;
+    std::string written;
+    Poll(timeoutMs, [&] {
+        std::string bytes;
+        Server::Instance().Ask(std::to_string(number_) + " written", {}, &bytes);
+        written += bytes;
+        return written.size() >= count;
+    });
+    return written;
 }
 
 void TestPort::SetListening(bool isOn) {
@@ -110,47 +157,11 @@ void TestPort::PlugIn() {
 }
 
 std::uint64_t TestPort::Time() {
-    return std::strtoull(Ask("time").c_str(), nullptr, 10);
+    return std::strtoull(Server::Instance().Ask("- time", {}, nullptr).c_str(), nullptr, 10);
 }
 
-std::string TestPort::Ask(const std::string& request, std::string_view bytes) {
-    if (socket_ == INVALID_SOCKET) return {};
-    // In one piece: two would wait for each other's acknowledgement.
-    if (!Send(request + '\n' + std::string(bytes))) ADD_FAILURE() << request << ": no server";
-    return ReadAnswer();
-}
-
-std::string TestPort::ReadAnswer() {
-    const std::string line = ReadLine();
-    if (line.starts_with("ok ")) return line.substr(3);
-    ADD_FAILURE() << "port " << number_ << ": " << line;
-    return {};
-}
-
-std::string TestPort::ReadLine() {
-    std::string line;
-    for (char c; Receive(&c, 1) && c != '\n';)
-        line += c;
-    return line;
-}
-
-bool TestPort::Send(std::string_view bytes) {
-    while (!bytes.empty()) {
-        const int count = send(socket_, bytes.data(), static_cast<int>(bytes.size()), 0);
-        if (count <= 0) return false;
-        bytes.remove_prefix(static_cast<size_t>(count));
-    }
-    return true;
-}
-
-bool TestPort::Receive(char* bytes, size_t count) {
-    while (count > 0) {
-        const int received = recv(socket_, bytes, static_cast<int>(count), 0);
-        if (received <= 0) return false;
-        bytes += received;
-        count -= static_cast<size_t>(received);
-    }
-    return true;
+std::string TestPort::Ask(const std::string& verb, std::string_view bytes) {
+    return Server::Instance().Ask(std::to_string(number_) + ' ' + verb, bytes, nullptr);
 }
 
 }  // namespace kavrel::tests

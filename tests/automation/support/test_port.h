@@ -24,8 +24,8 @@ struct OutputLines {
     bool operator==(const OutputLines&) const = default;
 };
 
-// A fresh port for as long as the object lives. What goes wrong on the server's side fails the
-// test. Thread safety: one thread at a time.
+// A fresh port for as long as the object lives; at most seven at a time. What goes wrong on the
+// server's side fails the test. Thread safety: different ports may be used by different threads.
 class TestPort {
   public:
     TestPort();
@@ -33,17 +33,16 @@ class TestPort {
     TestPort(const TestPort&) = delete;
     TestPort& operator=(const TestPort&) = delete;
 
-    // 2 to 9, and the device's name with it: "COM2:".
     int number() const { return number_; }
+    // The device's: "COM2:".
     std::wstring name() const { return L"COM" + std::to_wstring(number_) + L":"; }
 
-    // Gives the bytes to the program, waiting while it does not read, for that long at the most.
-    // The number of bytes that it took; fewer than all is not a failure.
-    size_t Offer(std::string_view bytes, int timeoutMs);
-
-    // The same, but they must all go, within 20 seconds. The server's time (nanoseconds, of
-    // unknown origin) before the first.
+    // Gives the bytes to the program and waits until it has taken them all, 20 seconds at most.
+    // The server's time before the first.
     std::uint64_t Feed(std::string_view bytes);
+
+    // The same, but the program need not take them. The number that it took within that time.
+    size_t Offer(std::string_view bytes, int timeoutMs);
 
     // Feeds the text again and again, once each so many milliseconds, in the background; 0: as
     // fast as it is read.
@@ -67,19 +66,13 @@ class TestPort {
     void Unplug();
     void PlugIn();
 
-    // The server's time now.
-    std::uint64_t Time();
+    // The server's time: nanoseconds, of unknown origin.
+    static std::uint64_t Time();
 
   private:
-    // The answer to a request, without "ok".
-    std::string Ask(const std::string& request, std::string_view bytes = {});
-    std::string ReadAnswer();
-    std::string ReadLine();
-    bool Send(std::string_view bytes);
-    bool Receive(char* bytes, size_t count);
+    std::string Ask(const std::string& verb, std::string_view bytes = {});
 
-    std::uintptr_t socket_;
-    int number_ = 0;
+    int number_;
 };
 
 }  // namespace kavrel::tests
