@@ -1,11 +1,15 @@
 #!/usr/bin/env python3
 """Runs one script under Wine and judges it by its output.
 
-    run_script_test.py <prefix folder> <script> <host> [host option]... -- [script argument]...
+    run_script_test.py [--receiver FILE] <prefix folder> <script> <host> [host option]...
+                       -- [script argument]...
 
 The hosts end with exit code 0 even on an unhandled script error, so a script passes only when the
 last line it prints is "SCRIPT OK". When <script without extension>.expected exists beside it, the
 whole output must equal that file.
+
+With --receiver, a receiver on a serial port says that file's text, one fix each 20 ms; the port's
+number replaces "{port}" in the script's arguments.
 """
 
 import difflib
@@ -18,15 +22,23 @@ TIMEOUT_SECONDS = 90
 
 
 def main():
-    if len(sys.argv) < 5 or "--" not in sys.argv:
+    given = sys.argv[1:]
+    receiver = None
+    if given[:1] == ["--receiver"]:
+        receiver = str(Path(given[1]).resolve())
+        del given[:2]
+    if len(given) < 4 or "--" not in given:
         return __doc__
-    prefix, script = str(Path(sys.argv[1]).resolve()), Path(sys.argv[2])
-    split = sys.argv.index("--")
-    host, arguments = sys.argv[3:split], sys.argv[split + 1 :]
+    prefix, script = str(Path(given[0]).resolve()), Path(given[1])
+    split = given.index("--")
+    host, arguments = given[2:split], given[split + 1 :]
 
-    runner = Path(__file__).with_name("run-wine")
+    tools = Path(__file__).parent
+    runner = [tools / "run-wine", prefix]
+    if receiver:
+        runner = [tools / "run_with_ports.py", "--receiver", receiver, "--every", "20", prefix]
     # A relative name: the hosts would take a path's leading slash for an option.
-    command = [str(runner), prefix, *host, script.name, *arguments]
+    command = [*runner, *host, script.name, *arguments]
     done = subprocess.run(
         command, cwd=script.parent, capture_output=True, timeout=TIMEOUT_SECONDS, check=False
     )

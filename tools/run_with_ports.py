@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Runs a command in a Wine prefix while there are serial ports for it.
 
-    run_with_ports.py <prefix folder> [--receiver FILE [--every MS] | --device PATH] command [argument]...
+    run_with_ports.py [--receiver FILE [--every MS] | --device PATH] <prefix folder> command [argument]...
 
 The command finds a server of ports behind COM9; see port_server.py. The options add a port whose number replaces "{port}" in the command's arguments:
 
@@ -52,10 +52,10 @@ def remove_links(prefix):
 
 def main():
     parser = argparse.ArgumentParser(usage=__doc__)
-    parser.add_argument("prefix", type=Path)
     parser.add_argument("--receiver")
     parser.add_argument("--every", type=int, default=0)
     parser.add_argument("--device")
+    parser.add_argument("prefix", type=Path)
     parser.add_argument("command", nargs=argparse.REMAINDER)
     options = parser.parse_args()
     prefix = options.prefix.resolve()
