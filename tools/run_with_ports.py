@@ -1,9 +1,11 @@
 #!/usr/bin/env python3
 """Runs a command in a Wine prefix while there are serial ports for it.
 
-    run_with_ports.py [--receiver FILE [--every MS] | --device PATH] <prefix folder> command [argument]...
+    run_with_ports.py [--receiver FILE [--every MS] | --device PATH]
+                      <prefix folder> command [argument]...
 
-The command finds a server of ports behind COM9; see port_server.py. The options add a port whose number replaces "{port}" in the command's arguments:
+The command finds a server of ports behind COM9; see port_server.py. The options add a port whose
+number replaces "{port}" in the command's arguments:
 
 --receiver FILE  a receiver that says the file's text over and over, as fast as it is read, or with
                  --every one fix each that many milliseconds
@@ -23,7 +25,7 @@ from port_server import PortServer
 
 
 def fixes(text):
-    """The text in pieces of one fix each: a piece begins with the type that the text begins with."""
+    """The text in pieces of one fix each: each begins with the type that the text begins with."""
     lines = text.splitlines(keepends=True)
     start = lines[0][3:6]
     pieces = []
