@@ -23,8 +23,8 @@ class Machine {
 
     // A window on the calling thread; null when there can be none, with what the platform said in
     // `error`.
-    virtual std::unique_ptr<ClientWindow> MakeClientWindow(ClientWindowHandler handler,
-                                                           void* context, ErrorSlot& error) = 0;
+    virtual std::unique_ptr<ClientWindow> MakeClientWindow(TakeHandOver take, void* context,
+                                                           ErrorSlot& error) = 0;
 };
 
 // On the build machine: one without ports, without a registry and without windows.
