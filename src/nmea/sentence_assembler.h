@@ -30,6 +30,9 @@ class SentenceAssembler {
     // asking HasSentence.
     bool Append(std::string_view text);
 
+    // Drops what waits, so that another stream of characters may begin.
+    void Clear() { read_ = write_; }
+
     // Looks for the next complete sentence with a valid checksum. What it passes over is gone; an
     // unfinished sentence stays for later.
     bool HasSentence();

@@ -18,4 +18,16 @@ bool ComStatusTracker::ExpireFix(std::uint32_t tickMs) {
     return true;
 }
 
+void ComStatusTracker::NotePort(std::int32_t comPort, std::int32_t baudRate) {
+    values_.comPort = static_cast<std::int16_t>(comPort);
+    values_.baudRate = static_cast<std::uint32_t>(baudRate);
+    values_.isFromSource = true;
+}
+
+void ComStatusTracker::ForgetSource() {
+    values_.hasValidNmea = false;
+    values_.hasValidFix = false;
+    lastValidFixTickMs_.reset();
+}
+
 }  // namespace kavrel

@@ -24,7 +24,17 @@ class ComStatusTracker {
     // True, once for each such fix, when the client is to be told.
     bool ExpireFix(std::uint32_t tickMs);
 
+    // The source reads from that port at that rate.
+    void NotePort(std::int32_t comPort, std::int32_t baudRate);
+
+    // The source has delivered a sentence.
+    void NoteNmea() { values_.hasValidNmea = true; }
+
+    // A source begins, from which nothing has come.
     void ForgetNmea() { values_.hasValidNmea = false; }
+
+    // The source has failed or ended.
+    void ForgetSource();
 
   private:
     ComStatusValues values_;

@@ -2,9 +2,10 @@
 
 #include <utility>
 
-#include "platform/clock.h"
-
 namespace kavrel {
+
+NmeaParser::NmeaParser(Machine& machine)
+    : formSync_(std::make_unique<FormSync>(machine, error())), portReader_(machine, *this) {}
 
 bool NmeaParser::RequirePortDisabled() {
     error().Clear();
@@ -37,20 +38,6 @@ void NmeaParser::SetGpsDatum(std::int16_t datum) {
     gpsDatum_ = datum;
 }
 
-void NmeaParser::SetComPort(std::int32_t comPort) {
-    if (RequirePortDisabled()) comPort_ = comPort;
-}
-
-void NmeaParser::SetBaudRate(std::int32_t baudRate) {
-    error().Clear();
-    const bool isDetecting = comPort_ == kSearchForPort || baudRate_ == kDetectBaudRate;
-    if (isDetecting && isPortEnabled_) {
-        error().Set(kErrorWrongState, Message::AutodetectNotAllowed);
-        return;
-    }
-    baudRate_ = baudRate;
-}
-
 void NmeaParser::SetNoEvents(bool isOn) {
     if (RequirePortDisabled()) noEvents_ = isOn;
 }
@@ -58,7 +45,7 @@ void NmeaParser::SetNoEvents(bool isOn) {
 void NmeaParser::SetChecksumMandatory(bool isOn) {
     error().Clear();
     parseAssembler_.SetChecksumMandatory(isOn);
-    portAssembler_.SetChecksumMandatory(isOn);
+    portReader_.SetChecksumMandatory(isOn);
 }
 
 void NmeaParser::SetEventInterval(std::int32_t intervalMs, std::int32_t eventType) {
@@ -129,20 +116,6 @@ Ref<ComStatus> NmeaParser::GetComStatus() {
         values = comStatus_.values();
     }
     return MakeRef<ComStatus>(values);
-}
-
-void NmeaParser::StartAfresh() {
-    fixBuilder_.Clear();
-    accumulator_.Clear();
-    wasGsa_ = false;
-    const LibraryLockScope lock;
-    comStatus_.ForgetNmea();
-}
-
-bool NmeaParser::ExpireValidFix() {
-    const std::uint32_t nowMs = TickCountMs();
-    const LibraryLockScope lock;
-    return comStatus_.ExpireFix(nowMs);
 }
 
 }  // namespace kavrel

@@ -1,15 +1,15 @@
 // NmeaParser: the engine behind the one object that a client creates to receive GPS data.
 //
-// It keeps the settings, cuts the text handed to Parse into sentences, and dispatches each
-// sentence: the receiver's state is updated, and the client's event sink is called or a waiting
-// query woken.
+// It keeps the settings, cuts the text handed to Parse into sentences or reads them from the
+// enabled port, and dispatches each sentence: the receiver's state is updated, and the client's
+// event sink is called or a waiting query woken.
 //
 // Thread safety: settings, Parse and queries belong to the client's thread. Sentences are
-// dispatched by one thread at a time: the client's, or the one that reads the port. The event sink,
-// the intervals and the com status are guarded by the library lock, which is never held while a
-// callback runs, so a callback may do anything to the parser, Parse included. The dispatching
-// thread has its own copy of sink and intervals, made anew when a version number says that they
-// changed.
+// dispatched by one thread at a time: the client's, or the reader thread while it dispatches at
+// once what it reads. The event sink, the intervals and the com status are guarded by the library
+// lock, which is never held while a callback runs, so a callback may do anything to the parser,
+// Parse included. The dispatching thread has its own copy of sink and intervals, made anew when a
+// version number says that they changed.
 #pragma once
 
 #include <atomic>
@@ -17,7 +17,9 @@
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <utility>
 
+#include "base/byte_block.h"
 #include "base/library_lock.h"
 #include "base/record.h"
 #include "nmea/satellite_accumulator.h"
@@ -26,8 +28,12 @@
 #include "parser/event_clock.h"
 #include "parser/event_queue.h"
 #include "parser/event_sink.h"
+#include "parser/form_sync.h"
+#include "parser/port_choice.h"
+#include "parser/port_reader.h"
 #include "parser/snapshot_slot.h"
 #include "parser/work_item.h"
+#include "platform/machine.h"
 #include "results/com_status.h"
 #include "results/fix_builder.h"
 #include "results/gps_fix.h"
@@ -37,18 +43,16 @@
 
 namespace kavrel {
 
-class NmeaParser final : public Record {
+class NmeaParser final : public HandOverTarget, private PortReader::Listener {
   public:
     // Numbers of built-in and custom datums.
     static constexpr std::int16_t kFirstDatum = 1;
     static constexpr std::int16_t kLastDatum = 28;
 
-    // Com ports that are no port numbers.
-    static constexpr std::int32_t kSearchForPort = 0;
-    static constexpr std::int32_t kSharedReceiverOnly = -1;
-
-    // A baud rate that is to be found out.
-    static constexpr std::int32_t kDetectBaudRate = 0;
+    // On the client's thread, to which events from the port come back. Errors: 10018 "Could not
+    // create window"; such a parser raises no events from the port, everything else works.
+    // REQUIRES: `machine` outlives the parser.
+    explicit NmeaParser(Machine& machine = ThisMachine());
 
     // Every operation clears the error slot first; its errors are named here.
 
@@ -63,12 +67,27 @@ class NmeaParser final : public Record {
     // The datum of positions in later fixes. Errors: 10003 "Unknown datum!" outside 1..28.
     void SetGpsDatum(std::int16_t datum);
 
-    // Errors: 10006 "Port must not be enabled!".
+    // A port number, kSearchForPort or kSharedReceiverOnly. Errors: 10006 "Port must not be
+    // enabled!".
     void SetComPort(std::int32_t comPort);
 
-    // Errors: 10006 "Autodetect mode not allowed" while the port is enabled and it, or its rate, is
-    // being detected.
+    // A rate, or kDetectBaudRate. While the port is enabled, it is changed at once. Errors: 10006
+    // "Autodetect mode not allowed" while the port is enabled and it, or its rate, is being
+    // detected; the port's.
     void SetBaudRate(std::int32_t baudRate);
+
+    // Opens the port, or begins to search for a receiver, and reads; or ends that. What is so
+    // already is left alone. Errors: the port's, and it stays disabled.
+    // REQUIRES: not called by a callback on the reader thread.
+    void SetPortEnabled(bool isOn);
+
+    // Sends bytes to the receiver; null sends nothing, and so does a shared receiver. Errors: 10006
+    // "Port must be enabled!", "Autodetect mode not allowed".
+    void WriteData(Ref<ByteBlock> bytes);
+
+    // Ends reading, and forgets what is on its way to the client's thread. For the owner, before it
+    // drops its reference: what is on its way holds some, too.
+    void ShutDown();
 
     // No events are raised; the client asks for data instead. Errors: 10006 "Port must not be
     // enabled!".
@@ -81,17 +100,20 @@ class NmeaParser final : public Record {
     // most, by the receiver's clock; negative: never. Errors: 10003 "Unknown event type!".
     void SetEventInterval(std::int32_t intervalMs, std::int32_t eventType);
 
-    // From now on events go there.
+    // From now on events go there. The context outlives the parser, or is given to it by
+    // KeepContext.
     void SetEventSink(const EventSink& sink);
+    void KeepContext(Ref<Record> context) { context_ = std::move(context); }
 
     // Acts on a work item, on the calling thread.
     void Dispatch(WorkItem item);
 
     // Sentences of the port are dispatched by the thread that reads them, even with events on.
+    // REQUIRES: the port is disabled, and nothing is on its way to the client's thread.
     void SetDirectDelivery(bool isOn);
 
-    // Whether what the port delivers is dispatched at once, not on the client's thread.
-    bool DispatchesAtOnce() const { return noEvents_ || directDelivery_; }
+    // For FormSync.
+    void OnHandOver(std::uint32_t selector, Ref<Record> argument) override;
 
     // From now on Generic, OnComStatus and the derived events are queued instead of called, whether
     // or not they have a callback. GGA, GLL and RMC are called all the same.
@@ -113,13 +135,6 @@ class NmeaParser final : public Record {
     // The com status as it is now.
     Ref<ComStatus> GetComStatus();
 
-    // Another stream of sentences begins: what was kept of the last one completes no fix of it.
-    void StartAfresh();
-
-    // To be called while data arrive: a valid fix that is too old counts no longer. True when the
-    // client is to be told, by a work item.
-    bool ExpireValidFix();
-
   private:
     // What the client sets while events run.
     struct ClientWishes {
@@ -133,6 +148,32 @@ class NmeaParser final : public Record {
         bool isRaised = false;
         EventHandler handler;
     };
+
+    // What a hand-over asks for: the dispatch of a work item of that kind, or to tell the client
+    // that the source has failed or ended.
+    enum Selector : std::uint32_t {
+        kSentenceSelector = static_cast<std::uint32_t>(WorkKind::Sentence),
+        kComStatusSelector = static_cast<std::uint32_t>(WorkKind::ComStatus),
+        kSourceEndedSelector,
+    };
+
+    void OnFinalRelease() override { ShutDown(); }
+
+    // What the reader thread tells.
+    void OnSentence(Ref<NmeaSentence> sentence) override;
+    void OnDataRead() override;
+    void OnSettingsChanged(const PortChoice& current) override;
+    void OnValidNmea(const PortChoice& current) override;
+    void OnSourceEnded() override;
+
+    // Dispatches at once, or on the client's thread.
+    void Deliver(WorkItem item);
+    void HandOverToClient(std::uint32_t selector, Ref<Record> argument);
+    void DeliverComStatus();
+    bool DispatchesAtOnce() const { return noEvents_ || directDelivery_; }
+
+    // Another stream of sentences begins: what was kept of the last one completes no fix of it.
+    void StartAfresh();
 
     // False, with the error set, while the port is enabled.
     bool RequirePortDisabled();
@@ -175,11 +216,12 @@ class NmeaParser final : public Record {
               std::int32_t level = 0);
 
     SentenceAssembler parseAssembler_;
-    SentenceAssembler portAssembler_;
+    PortChoice portChoice_;
     bool isPortEnabled_ = false;
     bool noEvents_ = false;
-    std::int32_t comPort_ = kSearchForPort;
-    std::int32_t baudRate_ = 4800;
+    std::unique_ptr<FormSync> formSync_;  // until ShutDown
+    PortReader portReader_;
+    Ref<Record> context_;
 
     // May be set while another thread dispatches.
     std::atomic<bool> directDelivery_{false};

@@ -9,7 +9,7 @@ namespace kavrel {
 
 enum class WorkKind : std::uint8_t {
     Sentence = 1,   // object: the NmeaSentence
-    ComStatus = 2,  // object: none
+    ComStatus = 2,  // object: the ComStatus, or none for the one at the time of dispatch
 };
 
 struct WorkItem {

@@ -60,7 +60,8 @@ TEST_F(DispatchTest, WithoutHandlerNothingIsDone) {
 TEST_F(DispatchTest, StartsAfresh) {
     FeedGga("120000");
     Feed(kGsv);
-    parser_->StartAfresh();
+    parser_->SetPortEnabled(true);
+    parser_->SetPortEnabled(false);
     EXPECT_EQ(FeedRmc("120000", "010626"), "RMC+ Fix2@120000 Movement:32 Generic:RMC");
     EXPECT_EQ(Feed(kGsa), "Quality:1 Generic:GSA");
 }
