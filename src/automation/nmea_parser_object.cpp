@@ -7,6 +7,7 @@
 #include "automation/com_status_object.h"
 #include "automation/gps_fix_object.h"
 #include "automation/movement_object.h"
+#include "automation/parser_event_link.h"
 #include "automation/parser_events.h"
 #include "automation/quality_object.h"
 #include "automation/satellites_object.h"
@@ -40,11 +41,13 @@ constexpr ClassDescription kClass = {CLSID_NmeaParser, IID_INmeaParser, &DIID__I
 
 class NmeaParserObject final : public AutomationObject<INmeaParser, NmeaParser, EventSource> {
   public:
-    explicit NmeaParserObject(Ref<NmeaParser> record)
-        : AutomationObject(kClass, std::move(record)) {}
+    explicit NmeaParserObject(Ref<NmeaParser> engine)
+        : AutomationObject(kClass, std::move(engine)) {
+        record().KeepContext(link_);
+    }
 
     STDMETHOD(Parse)(VARIANT sentence) override {
-        // The receiver of an event may drop the client's last reference.
+        // The receiver of an event may drop the client's last reference, and the engine goes on.
         const auto keepAlive = ComRef<INmeaParser>::Share(this);
         return Do([&] { record().Parse(TextArgument(sentence).view()); });
     }
@@ -60,7 +63,9 @@ class NmeaParserObject final : public AutomationObject<INmeaParser, NmeaParser, 
     STDMETHOD(put_BaudRate)(VARIANT value) override {
         return PutBy<&NmeaParser::SetBaudRate>(value);
     }
-    STDMETHOD(put_PortEnabled)(VARIANT) override { return NotImplemented(); }
+    STDMETHOD(put_PortEnabled)(VARIANT value) override {
+        return PutBy<&NmeaParser::SetPortEnabled>(value);
+    }
     STDMETHOD(put_NoEvents)(VARIANT value) override {
         return PutBy<&NmeaParser::SetNoEvents>(value);
     }
@@ -82,7 +87,11 @@ class NmeaParserObject final : public AutomationObject<INmeaParser, NmeaParser, 
     STDMETHOD(GetComStatus)(VARIANT* result) override {
         return Return(result, [&] { return WrapComStatus(record().GetComStatus()); });
     }
-    STDMETHOD(WriteData)(VARIANT) override { return NotImplemented(); }
+    STDMETHOD(WriteData)(VARIANT data) override {
+        return Do([&] {
+            record().WriteData(IsArray(data) ? BytesFromArray(data) : BytesFromString(data));
+        });
+    }
     STDMETHOD(put_ChecksumMandatory)(VARIANT value) override {
         return PutBy<&NmeaParser::SetChecksumMandatory>(value);
     }
@@ -91,7 +100,11 @@ class NmeaParserObject final : public AutomationObject<INmeaParser, NmeaParser, 
     }
 
   private:
-    ~NmeaParserObject() override { record().SetEventSink({}); }
+    ~NmeaParserObject() override {
+        link_->Cut();
+        record().SetEventSink({});
+        record().ShutDown();
+    }
 
     HRESULT QueryFurtherInterface(REFIID id, void** object) override {
         *object = nullptr;
@@ -105,15 +118,20 @@ class NmeaParserObject final : public AutomationObject<INmeaParser, NmeaParser, 
     void OnSinksChanged(bool hasSinks) override {
         EventSink sink;
         if (hasSinks) {
-            sink.context = this;
+            sink.context = link_.get();
             sink.callbacks.fill(&NmeaParserObject::OnEvent);
         }
         record().SetEventSink(sink);
     }
 
     static void OnEvent(void* context, ParserEvent event, Record& object) {
-        RaiseParserEvent(static_cast<NmeaParserObject*>(context)->connectionPoint(), event, object);
+        // The reference also keeps the object from being released by the receiver of the event.
+        const ComRef<NmeaParserObject> self = static_cast<Link*>(context)->Lock();
+        if (self) RaiseParserEvent(self->connectionPoint(), event, object);
     }
+
+    using Link = ParserEventLink<NmeaParserObject>;
+    const Ref<Link> link_ = MakeRef<Link>(this);
 };
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "frame/automation_object.h"
 
 #include "frame/error_report.h"
-#include "frame/resource_ids.h"
 
 namespace kavrel {
 
@@ -22,11 +21,6 @@ HRESULT ClassInformation::Check(const ErrorSlot& error) const {
 HRESULT ClassInformation::RefuseObject(HRESULT failure) const {
     return ReportError(description_.classId, MessageText(Message::NotAValidObject),
                        description_.interfaceId, failure);
-}
-
-HRESULT ClassInformation::NotImplemented() const {
-    return ReportError(description_.classId, kTextNotImplemented, description_.interfaceId,
-                       E_NOTIMPL);
 }
 
 STDMETHODIMP ClassInformation::InterfaceSupportsErrorInfo(REFIID id) {

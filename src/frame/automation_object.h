@@ -44,9 +44,6 @@ class ClassInformation : public ISupportErrorInfo, public IProvideClassInfo2 {
     // Fails a member whose argument is not the object it should be.
     HRESULT RefuseObject(HRESULT failure) const;
 
-    // Fails a member that has no engine yet, and says so.
-    HRESULT NotImplemented() const;
-
     // The pointer for one of the two interfaces (and IProvideClassInfo), or null.
     IUnknown* Find(REFIID id);
 
@@ -120,6 +117,16 @@ class AutomationObject : public Interface,
 
     Record* STDMETHODCALLTYPE RecordOfClass(REFCLSID classId) final {
         return IsEqualCLSID(classId, description().classId) ? record_.get() : nullptr;
+    }
+
+    // For those who know the object without a reference: false when its last one is being dropped.
+    bool AddReferenceUnlessLast() {
+        for (LONG count = referenceCount_; count != 0;) {
+            const LONG found = InterlockedCompareExchange(&referenceCount_, count + 1, count);
+            if (found == count) return true;
+            count = found;
+        }
+        return false;
     }
 
   protected:

@@ -7,6 +7,7 @@
 #include "frame/module.h"
 #include "frame/registration.h"
 #include "frame/type_library.h"
+#include "platform/win32/client_window.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* reserved) {
     using namespace kavrel;
@@ -20,6 +21,7 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* reserved)
             // held the lock.
             ReleaseClassObjects();
             if (reserved != nullptr) break;
+            ForgetFormSyncWindows();
             ReleaseTypeLibrary();
             libraryLock.Destroy();
             break;

@@ -21,6 +21,3 @@
 #define kScriptQuality 112
 #define kScriptGpsFix 113
 #define kScriptComStatus 114
-
-// Texts of the string table.
-#define kTextNotImplemented 201

@@ -141,6 +141,10 @@ bool IsText(const VARIANT& argument) {
     return (V_VT(&Referenced(argument)) & ~VT_BYREF) == VT_BSTR;
 }
 
+bool IsArray(const VARIANT& argument) {
+    return V_ISARRAY(&Referenced(argument));
+}
+
 Ref<ByteBlock> BytesFromString(const VARIANT& argument) {
     const Coerced value(argument, VT_BSTR);
     return MakeRef<ByteBlock>(CutCharacters<std::vector<std::uint8_t>>(value.get()));

@@ -54,6 +54,9 @@ class TextArgument {
 // Whether an argument is given as text, by reference or not.
 bool IsText(const VARIANT& argument);
 
+// Whether an argument is an array, by reference or not.
+bool IsArray(const VARIANT& argument);
+
 // The bytes of a string (each character cut to its low 8 bits), or of a one-dimensional array of
 // bytes or of variants (each coerced to a 32-bit integer and cut). Anything else gives none.
 Ref<ByteBlock> BytesFromString(const VARIANT& argument);

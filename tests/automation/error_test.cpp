@@ -232,27 +232,6 @@ TEST_F(ErrorTest, SourceHasALargestLength) {
 }
 
 // Members whose engine is still to come say so.
-TEST_F(ErrorTest, UnfinishedMembersSaySo) {
-    const ComPtr<IDispatch> parser = CreateParser();
-    const struct {
-        const wchar_t* name;
-        WORD kind;
-    } unfinished[] = {
-        {L"PortEnabled", DISPATCH_PROPERTYPUT},
-        {L"WriteData", DISPATCH_METHOD},
-    };
-    for (const auto& member : unfinished) {
-        Arguments arguments;
-        if (member.kind == DISPATCH_PROPERTYPUT) arguments = {{false}, {DISPID_PROPERTYPUT}};
-        const CallResult call =
-            InvokeById(parser.Get(), IdOf(parser.Get(), member.name), member.kind, arguments);
-        EXPECT_EQ(E_NOTIMPL, call.failure) << Narrow(member.name);
-        ASSERT_TRUE(call.error.has_value());
-        EXPECT_EQ(L"This member is not implemented yet.", call.error->description);
-        EXPECT_EQ(L"NmeaParser Class", call.error->source);
-    }
-}
-
 }  // namespace
 
 }  // namespace kavrel::tests
