@@ -14,11 +14,11 @@
 #include "base/record.h"
 #include "frame/com_ref.h"
 #include "frame/dispatch.h"
-#include "frame/module.h"
 #include "frame/record_holder.h"
 #include "frame/type_library.h"
 #include "frame/variant_in.h"
 #include "frame/variant_out.h"
+#include "platform/win32/module_lock.h"
 
 namespace kavrel {
 

@@ -6,8 +6,8 @@
 
 #include "base/library_lock.h"
 #include "frame/com_object.h"
-#include "frame/module.h"
 #include "frame/object_map.h"
+#include "platform/win32/module_lock.h"
 
 namespace kavrel {
 namespace {

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "frame/com_object.h"
-#include "frame/module.h"
+#include "platform/win32/module_lock.h"
 
 namespace kavrel {
 

@@ -8,6 +8,7 @@
 #include "frame/registration.h"
 #include "frame/type_library.h"
 #include "platform/win32/client_window.h"
+#include "platform/win32/module_lock.h"
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* reserved) {
     using namespace kavrel;

@@ -3,22 +3,9 @@
 namespace kavrel {
 namespace {
 
-constinit LONG lockCount = 0;
 constinit HINSTANCE moduleInstance = nullptr;
 
 }  // namespace
-
-void LockModule() {
-    InterlockedIncrement(&lockCount);
-}
-
-void UnlockModule() {
-    InterlockedDecrement(&lockCount);
-}
-
-bool IsModuleLocked() {
-    return lockCount != 0;
-}
 
 HINSTANCE ModuleInstance() {
     return moduleInstance;

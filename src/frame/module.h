@@ -5,12 +5,6 @@
 
 namespace kavrel {
 
-// The number of live objects of all classes and of LockServer(TRUE) calls; the DLL may be unloaded
-// at 0. Thread safety: any thread.
-void LockModule();
-void UnlockModule();
-bool IsModuleLocked();
-
 // The instance handle that the platform gave the DLL.
 HINSTANCE ModuleInstance();
 void SetModuleInstance(HINSTANCE instance);

@@ -42,7 +42,7 @@ class FormSync {
     };
 
     static void Run(HandOver& handOver);
-    static HandOver Take(void* context, std::uint32_t key);
+    static HandOver Take(void* context, std::uint32_t key) KAVREL_REQUIRES(libraryLock);
 
     std::unique_ptr<Pending> Unlink(std::uint32_t key) KAVREL_REQUIRES(libraryLock);
 

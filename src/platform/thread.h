@@ -7,8 +7,8 @@ namespace kavrel {
 
 using ThreadEntry = void (*)(void* argument);
 
-// One started thread. The owner must know that the thread has ended (by an event of its own) or
-// does not care, before it closes the handle.
+// One started thread. The owner must know that the thread is done (by an event of its own) before
+// it closes the handle.
 class Thread {
   public:
     Thread() = default;
@@ -21,7 +21,7 @@ class Thread {
     // REQUIRES: not started, or closed since.
     std::uint32_t Start(ThreadEntry entry, void* argument, const char* name);
 
-    // Gives the handle back; the thread itself runs on to its end.
+    // Lets the thread run its last instructions, which takes no time, and gives the handle back.
     void Close();
 
     bool IsStarted() const { return handle_ != nullptr; }

@@ -6,16 +6,19 @@
 
 #include "platform/lock.h"
 #include "platform/shared_receiver.h"
+#include "platform/win32/module_lock.h"
 
 namespace kavrel {
 
 // Passes the product's data event on to a listener, and takes every other event without a word.
-// The product may hold the sink longer than the listener lives. Starts with one reference, its
-// maker's.
+// The product may hold the sink longer than the listener lives, and the DLL stays for as long.
+// Starts with one reference, its maker's.
 // Thread safety: every member may be called from any thread.
 class SharedReceiverSink final : public IDispatch {
   public:
-    explicit SharedReceiverSink(SharedReceiverListener& listener) : listener_(&listener) {}
+    explicit SharedReceiverSink(SharedReceiverListener& listener) : listener_(&listener) {
+        LockModule();
+    }
     SharedReceiverSink(const SharedReceiverSink&) = delete;
     SharedReceiverSink& operator=(const SharedReceiverSink&) = delete;
 
@@ -35,7 +38,7 @@ class SharedReceiverSink final : public IDispatch {
      EXCEPINFO* exception, UINT* wrongArgument) override;
 
   private:
-    ~SharedReceiverSink() = default;
+    ~SharedReceiverSink() { UnlockModule(); }
 
     Lock lock_;  // held while the listener is called
     SharedReceiverListener* listener_ KAVREL_GUARDED_BY(lock_);

@@ -34,8 +34,13 @@ std::uint32_t Thread::Start(ThreadEntry entry, void* argument, const char* /*nam
     return error;
 }
 
+// A thread that has said that it is done still runs the last of the DLL's instructions, and the
+// client may be about to unload the DLL. The limit is for a client that stops it while it holds the
+// loader's lock, without which no thread ends.
 void Thread::Close() {
+    constexpr DWORD kEndLimitMs = 500;
     if (handle_ == nullptr) return;
+    WaitForSingleObject(handle_, kEndLimitMs);
     CloseHandle(handle_);
     handle_ = nullptr;
 }
