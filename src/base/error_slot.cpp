@@ -1,22 +1,36 @@
 #include "base/error_slot.h"
 
+#include <utility>
+
 namespace kavrel {
 
-void ErrorSlot::Set(ErrorCode code, std::string_view text) {
+std::string_view ErrorSlot::text() const {
+    if (code_ == kNoError) return {};
+    return ownText_ != nullptr ? std::string_view(*ownText_) : MessageText(message_);
+}
+
+void ErrorSlot::Set(ErrorCode code, Message message) {
     code_ = code;
-    if (code == kNoError) {
-        std::string().swap(text_);  // gives the memory back, which clear() would not
-        return;
-    }
-    text_ = text.empty() ? MessageText(Message::UnknownError) : text;
+    message_ = message;
+    ownText_.reset();
+}
+
+void ErrorSlot::Set(ErrorCode code, std::string_view text) {
+    // Copied before the old text, which it may be, goes.
+    std::unique_ptr<const std::string> copy;
+    if (code != kNoError && !text.empty()) copy = std::make_unique<const std::string>(text);
+    Set(code, Message::UnknownError);
+    ownText_ = std::move(copy);
 }
 
 void ErrorSlot::CopyFrom(const ErrorSlot* source) {
     if (source == nullptr) {
         Set(kErrorNullCopySource, Message::NullCopySource);
-        return;
+    } else if (source->ownText_ != nullptr) {
+        Set(source->code_, std::string_view(*source->ownText_));
+    } else {
+        Set(source->code_, source->message_);
     }
-    Set(source->code_, source->text_);
 }
 
 }  // namespace kavrel

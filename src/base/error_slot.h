@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -28,15 +29,15 @@ class ErrorSlot {
     ErrorCode code() const { return code_; }
     bool IsSet() const { return code_ != kNoError; }
 
-    // The owned text; empty when no error is set.
-    std::string_view text() const { return text_; }
+    // Empty when no error is set.
+    std::string_view text() const;
 
     void Clear() {
-        if (code_ != kNoError) Set(kNoError, std::string_view());
+        if (code_ != kNoError) Set(kNoError, Message::UnknownError);
     }
 
     // Code 0 clears the slot whatever the text.
-    void Set(ErrorCode code, Message message) { Set(code, MessageText(message)); }
+    void Set(ErrorCode code, Message message);
 
     // For texts that come from outside the library. An empty text becomes the default text.
     void Set(ErrorCode code, std::string_view text);
@@ -45,8 +46,11 @@ class ErrorSlot {
     void CopyFrom(const ErrorSlot* source);
 
   private:
+    // Every record has a slot and hardly any an error: a message of the catalogue is kept by its
+    // number, and only a text from outside needs memory.
     ErrorCode code_ = kNoError;
-    std::string text_;
+    Message message_ = Message::UnknownError;
+    std::unique_ptr<const std::string> ownText_;
 };
 
 }  // namespace kavrel

@@ -29,12 +29,11 @@ void Record::AddReference() {
     referenceCount_.fetch_add(1, std::memory_order_relaxed);
 }
 
-// Drops a reference that is not the last. A count of 1 is the caller's own: nobody else can change
-// it, so it needs no lock to be believed.
+// Drops a reference that is not the last.
 bool Record::DropSharedReference() {
-    if (referenceCount_.load(std::memory_order_acquire) == 1) return false;
+    if (HasOneReference()) return false;
     const LibraryLockScope lock;
-    if (referenceCount_.load(std::memory_order_acquire) == 1) return false;
+    if (HasOneReference()) return false;
     referenceCount_.fetch_sub(1, std::memory_order_release);
     return true;
 }

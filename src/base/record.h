@@ -26,7 +26,7 @@ class Record {
     ErrorSlot& error() { return error_; }
     const ErrorSlot& error() const { return error_; }
 
-    // Unique among the records of a process until the counter wraps at 2^32.
+    // Unique among the records alive until the counter wraps at 2^32.
     std::uint32_t serialNumber() const { return serialNumber_; }
 
     // The number of records alive in the process. A leak check: it must return to where it was.
@@ -46,6 +46,9 @@ class Record {
     template <typename T>
     friend class Ref;
 
+    // A count of 1 is the caller's own: nobody else can change it, so it needs no lock to be
+    // believed.
+    bool HasOneReference() const { return referenceCount_.load(std::memory_order_acquire) == 1; }
     void AddReference();
     void ReleaseReference();
     bool DropSharedReference();
@@ -100,6 +103,9 @@ class Ref {
         if (record_ != nullptr)
             static_cast<Record*>(std::exchange(record_, nullptr))->ReleaseReference();
     }
+
+    // Whether nobody else refers to the record, so that it may be filled anew. REQUIRES: not null.
+    bool IsOnly() const { return static_cast<const Record*>(record_)->HasOneReference(); }
 
     T* get() const { return record_; }
     T* operator->() const { return record_; }

@@ -18,25 +18,23 @@ class SmallText {
     SmallText(const SmallText&) = delete;
     SmallText& operator=(const SmallText&) = delete;
 
-    std::string_view view() const { return {data(), size_}; }
+    std::string_view view() const { return {data_, size_}; }
+    const char* data() const { return data_; }
 
     void Assign(std::string_view text) { std::copy(text.begin(), text.end(), Resize(text.size())); }
 
-    void Clear() {
-        large_.reset();
-        size_ = 0;
-    }
+    void Clear() { Resize(0); }
 
     // Makes room for `size` characters and returns where they go. What was there is lost.
     char* Resize(std::size_t size) {
         large_.reset(size > Inline ? new char[size] : nullptr);
         size_ = size;
-        return size_ > Inline ? large_.get() : inline_.data();
+        data_ = size > Inline ? large_.get() : inline_.data();
+        return data_;
     }
 
   private:
-    const char* data() const { return size_ > Inline ? large_.get() : inline_.data(); }
-
+    char* data_ = inline_.data();
     std::size_t size_ = 0;
     std::unique_ptr<char[]> large_;
     std::array<char, Inline> inline_;
