@@ -11,6 +11,16 @@ namespace kavrel {
 
 class Checksum {
   public:
+    Checksum() = default;
+
+    // Of characters that were summed up eight at a time.
+    explicit Checksum(std::uint64_t sum) {
+        sum ^= sum >> 32;
+        sum ^= sum >> 16;
+        sum ^= sum >> 8;
+        value_ = static_cast<std::uint8_t>(sum & 0xFF);
+    }
+
     void Add(char c) { value_ = static_cast<std::uint8_t>(value_ ^ static_cast<std::uint8_t>(c)); }
 
     // Eight characters at a time.
@@ -21,10 +31,7 @@ class Checksum {
             std::memcpy(&eight, text.data(), sizeof eight);
             sum ^= eight;
         }
-        sum ^= sum >> 32;
-        sum ^= sum >> 16;
-        sum ^= sum >> 8;
-        Add(static_cast<char>(sum & 0xFF));
+        value_ ^= Checksum(sum).value_;
         for (const char c : text)
             Add(c);
     }

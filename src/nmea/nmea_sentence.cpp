@@ -80,27 +80,20 @@ std::string_view NmeaSentence::TextWithLineEnd() {
     return textWithLineEnd_;
 }
 
-void NmeaSentence::SetText(std::string_view text, std::string_view continuation) {
+void NmeaSentence::SetText(std::string_view text, std::size_t star) {
     error().Clear();
-    text_.Clear();
     textWithLineEnd_.clear();
     editedFields_.reset();
-    fieldCount_ = 0;
+    ++changeCount_;
     isDirty_ = false;
-    hasCommand_ = false;
-    type_ = SentenceType::Other;
-    if (text.size() + continuation.size() < kAddressLength) return;
-
-    char* const characters = text_.Resize(text.size() + continuation.size());
-    std::copy(continuation.begin(), continuation.end(),
-              std::copy(text.begin(), text.end(), characters));
-    std::copy_n(characters + 1, fullCommand_.size(), fullCommand_.begin());
-    hasCommand_ = true;
+    hasCommand_ = text.size() >= kAddressLength;
+    text_.Assign(hasCommand_ ? text : std::string_view());
+    if (hasCommand_) std::copy_n(text_.data() + 1, fullCommand_.size(), fullCommand_.begin());
     type_ = SentenceTypeOf(Command());
-    FindCommas();
+    FindCommas(star);
 }
 
-void NmeaSentence::FindCommas() {
+void NmeaSentence::FindCommas(std::size_t star) {
     const std::string_view text = text_.view();
     std::size_t count = 0;
     ForEachComma(text, [&](std::size_t at) {
@@ -108,7 +101,17 @@ void NmeaSentence::FindCommas() {
         ++count;
     });
     fieldCount_ = static_cast<std::int32_t>(count);
-    star_ = std::min(text.find('*'), text.size());
+    star_ = std::min(star, text.size());
+
+    plainFields_ = std::min(count, kKnownCommas);
+    while (plainFields_ != 0 && commas_[plainFields_ - 1] > star_)
+        --plainFields_;
+    if (plainFields_ == 0) return;
+    if (plainFields_ == count) {
+        commas_[count] = static_cast<std::uint32_t>(star_);
+    } else {
+        --plainFields_;  // the last of them ends at the star or at a comma that is not known
+    }
 }
 
 std::string_view NmeaSentence::Field(std::int32_t index) {
@@ -121,7 +124,7 @@ std::string_view NmeaSentence::Field(std::int32_t index) {
     return FieldOrEmpty(number);
 }
 
-std::string_view NmeaSentence::FieldOrEmpty(std::int32_t number) const {
+std::string_view NmeaSentence::FindField(std::int32_t number) const {
     return editedFields_ != nullptr ? editedFields_->Find(number) : FieldInText(number);
 }
 
@@ -144,24 +147,8 @@ std::string_view NmeaSentence::FieldInText(std::int32_t number) const {
     return text.substr(begin, end - begin);
 }
 
-void NmeaSentence::CopyFields(std::span<std::string_view> fields) const {
-    std::size_t number = 1;
-    if (editedFields_ == nullptr) {
-        // All fields but the last that lie before the first "*" end at the next comma.
-        const std::string_view text = text_.view();
-        const std::size_t known =
-            std::min({fields.size(), static_cast<std::size_t>(fieldCount_), kKnownCommas});
-        for (; number < known && commas_[number] <= star_; ++number) {
-            const std::size_t begin = commas_[number - 1] + 1;
-            fields[number] = {text.data() + begin, commas_[number] - begin};
-        }
-    }
-    for (; number < fields.size(); ++number) {
-        fields[number] = FieldOrEmpty(static_cast<std::int32_t>(number));
-    }
-}
-
-// The list to change, which from now on stands for the fields; filled from the text when new.
+// The list to change, which from now on stands for the fields; filled from the text when new. The
+// sentence counts as changed.
 FieldList& NmeaSentence::EditFields() {
     if (editedFields_ == nullptr) {
         auto fields = std::make_unique<FieldList>();
@@ -169,7 +156,10 @@ FieldList& NmeaSentence::EditFields() {
             fields->Set(number, FieldInText(number));
         }
         editedFields_ = std::move(fields);
+        plainFields_ = 0;
     }
+    ++changeCount_;
+    isDirty_ = true;
     return *editedFields_;
 }
 
@@ -177,7 +167,6 @@ void NmeaSentence::SetField(std::int32_t number, std::string_view value) {
     error().Clear();
     EditFields().Set(number, value);
     fieldCount_ = std::max(fieldCount_, number);
-    isDirty_ = true;
 }
 
 void NmeaSentence::SetCommand(std::string_view command) {
@@ -197,7 +186,6 @@ void NmeaSentence::SetCommand(std::string_view command) {
     std::copy_backward(command.begin(), command.end(), fullCommand_.end());
     hasCommand_ = true;
     type_ = SentenceTypeOf(Command());
-    isDirty_ = true;
 }
 
 void NmeaSentence::Rebuild() {

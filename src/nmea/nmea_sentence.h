@@ -12,7 +12,6 @@
 #include <array>
 #include <cstdint>
 #include <memory>
-#include <span>
 #include <string>
 #include <string_view>
 
@@ -26,6 +25,12 @@ namespace kavrel {
 
 class NmeaSentence final : public Record {
   public:
+    NmeaSentence() = default;
+
+    // With a text, see SetText.
+    NmeaSentence(std::string_view text, std::size_t star) { SetText(text, star); }
+    void Assign(std::string_view text, std::size_t star) { SetText(text, star); }
+
     // The text, rebuilt first if command or fields were changed; empty for an empty sentence.
     std::string_view Text();
 
@@ -33,8 +38,11 @@ class NmeaSentence final : public Record {
     std::string_view TextWithLineEnd();
 
     // Replaces everything. A text of less than 6 characters leaves the sentence empty; the first
-    // character is taken for the "$" unseen. The text is given in two runs, as a ring has it.
-    void SetText(std::string_view text, std::string_view continuation = {});
+    // character is taken for the "$" unseen.
+    void SetText(std::string_view text) { SetText(text, text.find('*')); }
+
+    // The same for a caller who knows where the first "*" is; npos when there is none.
+    void SetText(std::string_view text, std::size_t star);
 
     // The text of field `index`, which is first cut to a signed 8-bit number: 257 reads field 1.
     // Empty when no such field is stored.
@@ -42,10 +50,12 @@ class NmeaSentence final : public Record {
     std::string_view Field(std::int32_t index);
 
     // The same for decoders: any number, and empty instead of an error.
-    std::string_view FieldOrEmpty(std::int32_t number) const;
-
-    // The same for many fields at once: fields[n] becomes the text of field n, for all n from 1.
-    void CopyFields(std::span<std::string_view> fields) const;
+    std::string_view FieldOrEmpty(std::int32_t number) const {
+        const std::size_t index = static_cast<std::size_t>(number) - 1;
+        if (index >= plainFields_) return FindField(number);
+        const std::size_t begin = commas_[index] + std::size_t{1};
+        return {text_.data() + begin, commas_[index + 1] - begin};
+    }
 
     // The highest field number.
     std::int32_t FieldCount() const { return fieldCount_; }
@@ -74,19 +84,27 @@ class NmeaSentence final : public Record {
 
     SentenceType Type() const { return type_; }
 
+    // Goes up with every change, so that what was decoded need not be decoded again.
+    std::uint32_t ChangeCount() const { return changeCount_; }
+
   private:
     // Where the commas of the text are, for as many as ordinary sentences have.
     static constexpr std::size_t kKnownCommas = 24;
     static constexpr std::size_t kInlineTextSize = 96;
 
-    void FindCommas();
+    void FindCommas(std::size_t star);
+    std::string_view FindField(std::int32_t number) const;
     std::string_view FieldInText(std::int32_t number) const;
     FieldList& EditFields();
     void Rebuild();
 
     SmallText<kInlineTextSize> text_;
-    std::array<std::uint32_t, kKnownCommas> commas_;
+    std::array<std::uint32_t, kKnownCommas + 1> commas_;  // one more for the end of the last field
     std::size_t star_ = 0;  // where the first "*" of the text is, or its end
+    // So many fields from the first on reach from their comma to the next entry of commas_. In a
+    // receiver's sentence these are all.
+    std::size_t plainFields_ = 0;
+    std::uint32_t changeCount_ = 0;
     std::array<char, 5> fullCommand_{};
     SentenceType type_ = SentenceType::Other;
     bool hasCommand_ = false;

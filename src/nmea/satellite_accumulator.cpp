@@ -1,7 +1,6 @@
 #include "nmea/satellite_accumulator.h"
 
 #include <algorithm>
-#include <array>
 
 #include "base/number.h"
 
@@ -10,11 +9,11 @@ namespace {
 
 // Fields of a GSV sentence: how many, which one, satellites in view, then four for each satellite
 // and, since NMEA 4.1, one for the signal.
-constexpr std::size_t kSentenceCountField = 1;
-constexpr std::size_t kSentenceNumberField = 2;
-constexpr std::size_t kFirstSatelliteField = 4;
-constexpr std::size_t kFieldsPerSatellite = 4;
-constexpr std::size_t kMaxFields = 24;
+constexpr std::int32_t kSentenceCountField = 1;
+constexpr std::int32_t kSentenceNumberField = 2;
+constexpr std::int32_t kFirstSatelliteField = 4;
+constexpr std::int32_t kFieldsPerSatellite = 4;
+constexpr std::int32_t kMaxFields = 24;
 
 // What receivers write is up to three digits; anything else takes the long way.
 std::int32_t ReadShortInteger(std::string_view text) {
@@ -28,16 +27,17 @@ std::int32_t ReadShortInteger(std::string_view text) {
     return value;
 }
 
-std::int16_t ReadInt16(std::string_view text) {
-    return static_cast<std::int16_t>(ReadShortInteger(text));
+std::int32_t LastField(const NmeaSentence& gsv) {
+    return std::min(gsv.FieldCount(), kMaxFields);
 }
 
 // Where a lone field is left over behind the satellites, it is the signal.
-char SignalOf(std::span<const std::string_view> fields, std::size_t fieldCount) {
-    if (fieldCount < kFirstSatelliteField) return '\0';
-    const std::size_t rest = (fieldCount - kFirstSatelliteField + 1) % kFieldsPerSatellite;
-    if (rest != 1 || fields[fieldCount].empty()) return '\0';
-    return fields[fieldCount].front();
+char SignalOf(const NmeaSentence& gsv) {
+    const std::int32_t last = LastField(gsv);
+    const std::int32_t rest = (last - kFirstSatelliteField + 1) % kFieldsPerSatellite;
+    if (last < kFirstSatelliteField || rest != 1) return '\0';
+    const std::string_view signal = gsv.FieldOrEmpty(last);
+    return signal.empty() ? '\0' : signal.front();
 }
 
 // The satellite with that number, added when there is none; null when there is no room.
@@ -64,21 +64,19 @@ void Merge(std::vector<SatelliteValues>& picture, const SatelliteValues& satelli
 
 bool SatelliteAccumulator::AddGsv(const NmeaSentence& gsv) {
     if (gsv.Type() != SentenceType::Gsv) return false;
-    std::array<std::string_view, kMaxFields + 1> fields;
-    gsv.CopyFields(fields);
-    const std::size_t fieldCount = std::min(static_cast<std::size_t>(gsv.FieldCount()), kMaxFields);
-
-    Source& source = SourceFor(gsv.TalkerId(), SignalOf(fields, fieldCount));
-    if (!Gather(source, fields, fieldCount)) return false;
+    Source& source = SourceFor(gsv.TalkerId(), SignalOf(gsv));
+    if (!Gather(source, gsv)) return false;
     Complete(source);
     return true;
 }
 
 // Takes in one sentence; true when it was the last of its group.
-bool SatelliteAccumulator::Gather(Source& source, std::span<const std::string_view> fields,
-                                  std::size_t fieldCount) {
-    const std::int32_t sentenceCount = ReadShortInteger(fields[kSentenceCountField]);
-    const std::int32_t number = ReadShortInteger(fields[kSentenceNumberField]);
+bool SatelliteAccumulator::Gather(Source& source, const NmeaSentence& gsv) {
+    const auto read = [&gsv](std::int32_t field) {
+        return ReadShortInteger(gsv.FieldOrEmpty(field));
+    };
+    const std::int32_t sentenceCount = read(kSentenceCountField);
+    const std::int32_t number = read(kSentenceNumberField);
     if (number == 1) {
         source.sentenceCount = sentenceCount;
         source.nextSentence = 1;
@@ -91,20 +89,22 @@ bool SatelliteAccumulator::Gather(Source& source, std::span<const std::string_vi
     }
     ++source.nextSentence;
 
-    for (std::size_t at = kFirstSatelliteField; at + 1 <= fieldCount; at += kFieldsPerSatellite) {
-        const std::int32_t prn = ReadShortInteger(fields[at]);
+    const std::int32_t lastField = LastField(gsv);
+    for (std::int32_t at = kFirstSatelliteField; at < lastField; at += kFieldsPerSatellite) {
+        const std::int32_t prn = read(at);
         SatelliteValues* const satellite = prn != 0 ? FindOrAdd(source.gathered, prn) : nullptr;
         if (satellite == nullptr) continue;
         satellite->talker = source.talker;
         satellite->constellation = source.constellation;
-        satellite->elevationDegrees = ReadInt16(fields[at + 1]);
-        satellite->azimuthDegrees = at + 2 <= fieldCount ? ReadInt16(fields[at + 2]) : 0;
-        satellite->snrDb = at + 3 <= fieldCount ? ReadInt16(fields[at + 3]) : 0;
+        satellite->elevationDegrees = static_cast<std::int16_t>(read(at + 1));
+        satellite->azimuthDegrees = static_cast<std::int16_t>(read(at + 2));
+        satellite->snrDb = static_cast<std::int16_t>(read(at + 3));
     }
     return number == sentenceCount;
 }
 
 void SatelliteAccumulator::Complete(Source& source) {
+    isPictureOutdated_ |= source.gathered != source.complete;
     std::swap(source.complete, source.gathered);
     source.sentenceCount = 0;
     source.previouslyCompletedAt = source.completedAt;
@@ -115,9 +115,12 @@ void SatelliteAccumulator::Complete(Source& source) {
     for (auto at = sources_.begin();
          (at = std::find_if(sources_.begin(), sources_.end(), isSilent)) != sources_.end();) {
         sources_.erase(at);
+        isPictureOutdated_ = true;
     }
-    used_.EndRun();
-    BuildPicture();
+    const bool hasUseChanged = used_.EndRun();
+    if (isPictureOutdated_) BuildPicture();
+    if (isPictureOutdated_ || hasUseChanged) MarkUsed();
+    isPictureOutdated_ = false;
 }
 
 bool SatelliteAccumulator::IsSilent(const Source& source) const {
@@ -138,6 +141,7 @@ SatelliteAccumulator::Source& SatelliteAccumulator::SourceFor(Talker talker, cha
         sources_.erase(std::min_element(
             sources_.begin(), sources_.end(),
             [](const Source& a, const Source& b) { return a.completedAt < b.completedAt; }));
+        isPictureOutdated_ = true;
     }
     Source& source = sources_.emplace_back();
     source.talker = talker;
@@ -159,7 +163,6 @@ void SatelliteAccumulator::BuildPicture() {
         for (const SatelliteValues& satellite : source->complete)
             Merge(picture_, satellite);
     }
-    MarkUsed();
 }
 
 // Sets the flags; true when one of them changed.
@@ -175,14 +178,14 @@ bool SatelliteAccumulator::MarkUsed() {
 
 bool SatelliteAccumulator::AddGsa(const NmeaSentence& gsa, bool continuesRun) {
     if (gsa.Type() != SentenceType::Gsa) return false;
-    used_.Add(gsa, continuesRun);
-    return MarkUsed();
+    return used_.Add(gsa, continuesRun) && MarkUsed();
 }
 
 void SatelliteAccumulator::Clear() {
     sources_.clear();
     used_.Clear();
     picture_.clear();
+    isPictureOutdated_ = false;
     groupsCompleted_ = 0;
 }
 

@@ -56,7 +56,7 @@ class SatelliteAccumulator {
     };
 
     Source& SourceFor(Talker talker, char signal);
-    bool Gather(Source& source, std::span<const std::string_view> fields, std::size_t fieldCount);
+    bool Gather(Source& source, const NmeaSentence& gsv);
     void Complete(Source& source);
     bool IsSilent(const Source& source) const;
     void BuildPicture();
@@ -65,6 +65,7 @@ class SatelliteAccumulator {
     std::vector<Source> sources_;
     UsedSatellites used_;
     Satellites picture_;
+    bool isPictureOutdated_ = false;  // the sources hold other satellites
     std::uint32_t groupsCompleted_ = 0;
 };
 

@@ -25,6 +25,8 @@ struct SatelliteValues {
     bool isUsedForFix = false;
     Talker talker;  // tells satellites of one number apart
     Constellation constellation = Constellation::Any;
+
+    bool operator==(const SatelliteValues&) const = default;
 };
 
 }  // namespace kavrel

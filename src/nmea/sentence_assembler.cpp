@@ -1,101 +1,130 @@
 #include "nmea/sentence_assembler.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
+#include <cstring>
 
 #include "nmea/checksum.h"
 
 namespace kavrel {
+namespace {
+
+constexpr std::string_view kLineEnd = "\r\n";
+constexpr std::size_t kNone = std::string_view::npos;
+
+// Neither a "$" nor part of a line end, which mean something behind a "*", too.
+bool IsOrdinaryDigit(char c) {
+    return c >= '0' && c <= 'F';
+}
+
+}  // namespace
 
 bool SentenceAssembler::Append(std::string_view text) {
     const bool hasLineFeed = text.find('\n') != std::string_view::npos;
-    const std::size_t unexamined = static_cast<Position>(write_ - read_) + text.size();
+    text = text.substr(text.size() - std::min(text.size(), kRingSize));
 
-    // Only the last characters would survive, so only they are copied.
-    write_ = static_cast<Position>(write_ + text.size());
-    CopyIn(text.substr(text.size() - std::min(text.size(), kRingSize)));
-    if (unexamined > kRingSize) read_ = static_cast<Position>(write_ - kRingSize);
+    const std::size_t kept = std::min(end_ - read_, kRingSize - text.size());
+    if (end_ + text.size() > kBufferSize) {
+        std::memmove(buffer_.data(), end() - kept, kept);
+        end_ = kept;
+    }
+    read_ = end_ - kept;
+    std::copy(text.begin(), text.end(), buffer_.begin() + end_);
+    end_ += text.size();
     return hasLineFeed;
 }
 
-// Copies a text of at most the ring's size so that it ends at the write position.
-void SentenceAssembler::CopyIn(std::string_view text) {
-    const std::size_t start = static_cast<Position>(write_ - text.size()) % kRingSize;
-    const std::size_t untilEnd = std::min(text.size(), kRingSize - start);
-    std::copy_n(text.begin(), untilEnd, ring_.begin() + start);
-    std::copy(text.begin() + untilEnd, text.end(), ring_.begin());
-}
-
 bool SentenceAssembler::HasSentence() {
+    if (FindOrdinarySentence()) return true;
     while (FindSentence()) {
-        read_ = sentenceEnd_;
         if (IsChecksumValid()) return true;
     }
     return false;
 }
 
-std::string_view SentenceAssembler::PieceAt(Position from, Position to) const {
-    const std::size_t start = from % kRingSize;
-    const std::size_t length = static_cast<Position>(to - from);
-    return {ring_.data() + start, std::min(length, kRingSize - start)};
-}
+// Takes the sentence that waits in front when it is one as receivers send them: a "$", characters
+// from "," on, "*", a fitting checksum, CR LF. One walk, eight characters at a time, finds its end
+// and sums it up. Of anything else nothing is taken.
+bool SentenceAssembler::FindOrdinarySentence() {
+    constexpr std::uint64_t kOnes = 0x0101010101010101;
+    constexpr std::uint64_t kHighBits = 0x80 * kOnes;
+    static_assert(std::endian::native == std::endian::little);
+    const char* const start = buffer_.data() + read_;
+    if (read_ == end_ || *start != '$') return false;
 
-SentenceAssembler::Position SentenceAssembler::Find(char c, Position from, Position to) const {
-    while (from != to) {
-        const std::string_view piece = PieceAt(from, to);
-        const std::size_t at = piece.find(c);
-        if (at != std::string_view::npos) return static_cast<Position>(from + at);
-        from = static_cast<Position>(from + piece.size());
+    const char* at = start + 1;
+    std::uint64_t sum = 0;
+    std::uint64_t eight;
+    for (;; at += sizeof eight) {
+        if (at >= end()) return false;
+        std::memcpy(&eight, at, sizeof eight);
+        // The high bit of the first byte below ",", and of none before it.
+        const std::uint64_t below = (eight - ',' * kOnes) & ~eight & kHighBits;
+        if (below != 0) {
+            const int bits = std::countr_zero(below) - 7;
+            at += bits / 8;
+            sum ^= eight & ((std::uint64_t{1} << bits) - 1);
+            break;
+        }
+        sum ^= eight;
     }
-    return to;
-}
-
-// Finds the next run from "$" to CR LF, whatever its checksum. Without one, leaves the read
-// position at the newest "$", so that later text completes the sentence.
-bool SentenceAssembler::FindSentence() {
-    read_ = Find('$', read_, write_);
-    if (read_ == write_) return false;
-
-    Position end = read_;  // of the sentence, before its line feed
-    do {
-        end = Find('\n', static_cast<Position>(end + 1), write_);
-    } while (end != write_ && At(static_cast<Position>(end - 1)) != '\r');
-
-    for (Position next = read_; next != end;
-         next = Find('$', static_cast<Position>(next + 1), end)) {
-        read_ = next;
+    constexpr std::ptrdiff_t kChecksumLength = 3;
+    constexpr std::ptrdiff_t kTailLength = kChecksumLength + kLineEnd.size();
+    if (*at != '*' || end() - at < kTailLength) return false;
+    const std::string_view tail(at, kTailLength);
+    if (!tail.ends_with(kLineEnd) || !IsOrdinaryDigit(tail[1]) || !IsOrdinaryDigit(tail[2]) ||
+        !Checksum(sum).Matches(tail[1], tail[2])) {
+        return false;
     }
-    if (end == write_) return false;
-    sentenceStart_ = read_;
-    sentenceEnd_ = static_cast<Position>(end + 1);
+
+    star_ = static_cast<std::size_t>(at - start);
+    sentence_ = {start, star_ + kChecksumLength};
+    read_ += star_ + kTailLength;
     return true;
 }
 
-bool SentenceAssembler::IsChecksumValid() const {
-    Position at = static_cast<Position>(sentenceStart_ + 1);
-    const Position star = Find('*', at, sentenceEnd_);
-    if (Find('\r', at, star) != star) return !isChecksumMandatory_;
+// Where `c` first is; `to` when it is not there.
+const char* SentenceAssembler::Find(char c, const char* from, const char* to) const {
+    const std::size_t at = std::string_view(from, static_cast<std::size_t>(to - from)).find(c);
+    return at != kNone ? from + at : to;
+}
+
+// Finds the next run from "$" to CR LF, whatever its checksum, and goes on behind it. Without one,
+// leaves the read position at the newest "$", so that later text completes the sentence.
+bool SentenceAssembler::FindSentence() {
+    const char* start = Find('$', buffer_.data() + read_, end());
+    read_ = static_cast<std::size_t>(start - buffer_.data());
+    if (start == end()) return false;
+
+    const char* lineFeed = start;
+    do {
+        lineFeed = Find('\n', lineFeed + 1, end());
+    } while (lineFeed != end() && lineFeed[-1] != '\r');
+
+    for (const char* next = start; next != lineFeed; next = Find('$', next + 1, lineFeed))
+        start = next;
+    read_ = static_cast<std::size_t>(start - buffer_.data());
+    if (lineFeed == end()) return false;
+    sentence_ = {start, static_cast<std::size_t>(lineFeed - 1 - start)};
+    read_ += sentence_.size() + kLineEnd.size();
+    return true;
+}
+
+// The two characters behind a "*" are there in any case: they may be those of the line end.
+bool SentenceAssembler::IsChecksumValid() {
+    star_ = sentence_.find('*');
+    const std::string_view summed = sentence_.substr(1, std::min(star_, sentence_.size()) - 1);
+    if (star_ == kNone || summed.find('\r') != kNone) return !isChecksumMandatory_;
 
     Checksum checksum;
-    while (at != star) {
-        const std::string_view piece = PieceAt(at, star);
-        checksum.Add(piece);
-        at = static_cast<Position>(at + piece.size());
-    }
-    return checksum.Matches(At(static_cast<Position>(star + 1)),
-                            At(static_cast<Position>(star + 2)));
+    checksum.Add(summed);
+    const char* const digits = sentence_.data() + star_ + 1;
+    return checksum.Matches(digits[0], digits[1]);
 }
 
 Ref<NmeaSentence> SentenceAssembler::TakeSentence() {
-    constexpr std::size_t kLineEndLength = 2;
-    const std::size_t length =
-        static_cast<Position>(sentenceEnd_ - sentenceStart_) - kLineEndLength;
-    const std::size_t start = sentenceStart_ % kRingSize;
-    const std::size_t untilEnd = std::min(length, kRingSize - start);
-
-    const std::string_view ring(ring_.data(), kRingSize);
-    auto sentence = MakeRef<NmeaSentence>();
-    sentence->SetText(ring.substr(start, untilEnd), ring.substr(0, length - untilEnd));
-    return sentence;
+    return spare_.Make(sentence_, star_);
 }
 
 }  // namespace kavrel

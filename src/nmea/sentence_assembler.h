@@ -6,7 +6,7 @@
 //
 // Thread safety: none but for SetChecksumMandatory, which any thread may call; one assembler serves
 // one source of text.
-// Invariant: the ring holds the last 512 characters appended. When more than that wait unexamined,
+// Invariant: of the characters that wait unexamined, the last 512 are kept. When there are more,
 // the oldest are lost and reading goes on with the oldest that is still there, so nothing is
 // delivered twice or out of order.
 #pragma once
@@ -18,6 +18,7 @@
 #include <string_view>
 
 #include "base/record.h"
+#include "base/spare.h"
 #include "nmea/nmea_sentence.h"
 
 namespace kavrel {
@@ -26,12 +27,12 @@ class SentenceAssembler {
   public:
     static constexpr std::size_t kRingSize = 512;
 
-    // Adds characters to the ring. True when one of them was a line feed, that is, when it is worth
+    // Adds characters. True when one of them was a line feed, that is, when it is worth
     // asking HasSentence.
     bool Append(std::string_view text);
 
     // Drops what waits, so that another stream of characters may begin.
-    void Clear() { read_ = write_; }
+    void Clear() { read_ = end_; }
 
     // Looks for the next complete sentence with a valid checksum. What it passes over is gone; an
     // unfinished sentence stays for later.
@@ -41,32 +42,29 @@ class SentenceAssembler {
     // REQUIRES: the last HasSentence returned true, and nothing was appended since.
     Ref<NmeaSentence> TakeSentence();
 
+    // Takes a sentence back that was taken, or null. One that nobody else has kept is used again.
+    void GiveBack(Ref<NmeaSentence> sentence) { spare_.GiveBack(std::move(sentence)); }
+
     // With true, a sentence without a checksum is dropped, too. Default: false.
     void SetChecksumMandatory(bool isMandatory) { isChecksumMandatory_ = isMandatory; }
 
   private:
-    // Positions grow without bound and wrap at 2^16, a multiple of the ring's size.
-    using Position = std::uint16_t;
-    static_assert(65536 % kRingSize == 0);
-
-    char At(Position position) const { return ring_[position % kRingSize]; }
-    void CopyIn(std::string_view text);
-
-    // The characters from `from` up to `to`, as far as they lie in one piece, that is, up to the
-    // ring's end.
-    std::string_view PieceAt(Position from, Position to) const;
-
-    // The first position from `from` on that holds `c`; `to` when there is none.
-    Position Find(char c, Position from, Position to) const;
-
     bool FindSentence();
-    bool IsChecksumValid() const;
+    bool FindOrdinarySentence();
+    bool IsChecksumValid();
 
-    std::array<char, kRingSize> ring_;
-    Position write_ = 0;
-    Position read_ = 0;
-    Position sentenceStart_ = 0;
-    Position sentenceEnd_ = 0;
+    const char* Find(char c, const char* from, const char* to) const;
+    const char* end() const { return buffer_.data() + end_; }
+
+    // What waits moves to the front when the end is reached, so that it always lies in one piece.
+    static constexpr std::size_t kBufferSize = 2 * kRingSize;
+    static constexpr std::size_t kReadAhead = sizeof(std::uint64_t);  // may be read behind the end
+    std::array<char, kBufferSize + kReadAhead> buffer_{};
+    std::size_t read_ = 0;       // the first character not examined
+    std::size_t end_ = 0;        // behind the last one
+    std::string_view sentence_;  // in the buffer, without its CR LF
+    std::size_t star_ = 0;       // where the sentence's first "*" is; npos when there is none
+    Spare<NmeaSentence> spare_;
     std::atomic<bool> isChecksumMandatory_{false};  // set by the client's thread
 };
 

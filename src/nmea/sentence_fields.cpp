@@ -1,21 +1,17 @@
 #include "nmea/sentence_fields.h"
 
-#include <array>
-
 #include "base/number.h"
 
 namespace kavrel {
 namespace {
 
 MovementValues DecodeVtg(const NmeaSentence& sentence) {
-    std::array<std::string_view, 6> field;
-    sentence.CopyFields(field);
-    const double magneticCourse = ReadDouble(field[3]);
+    const double magneticCourse = ReadDouble(sentence.FieldOrEmpty(3));
 
     MovementValues movement;
-    movement.headingDegrees = ReadDouble(field[1]);
-    movement.isValid = field[2].starts_with('T');
-    movement.speedKnots = ReadDouble(field[5]);
+    movement.headingDegrees = ReadDouble(sentence.FieldOrEmpty(1));
+    movement.isValid = sentence.FieldOrEmpty(2).starts_with('T');
+    movement.speedKnots = ReadDouble(sentence.FieldOrEmpty(5));
     if (magneticCourse != 0.0) {
         movement.magneticVariationDegrees = movement.headingDegrees - magneticCourse;
     }
@@ -26,18 +22,16 @@ MovementValues DecodeVtg(const NmeaSentence& sentence) {
 
 bool GgaFields::Decode(const NmeaSentence& sentence) {
     if (sentence.Type() != SentenceType::Gga) return false;
-    std::array<std::string_view, 12> field;
-    sentence.CopyFields(field);
-    time = field[1];
-    position = {.latitude = field[2],
-                .latitudeHemisphere = field[3],
-                .longitude = field[4],
-                .longitudeHemisphere = field[5],
-                .altitude = field[9],
-                .geoidSeparation = field[11]};
-    quality = field[6];
-    satellites = field[7];
-    hdop = field[8];
+    time = sentence.FieldOrEmpty(1);
+    position = {.latitude = sentence.FieldOrEmpty(2),
+                .latitudeHemisphere = sentence.FieldOrEmpty(3),
+                .longitude = sentence.FieldOrEmpty(4),
+                .longitudeHemisphere = sentence.FieldOrEmpty(5),
+                .altitude = sentence.FieldOrEmpty(9),
+                .geoidSeparation = sentence.FieldOrEmpty(11)};
+    quality = sentence.FieldOrEmpty(6);
+    satellites = sentence.FieldOrEmpty(7);
+    hdop = sentence.FieldOrEmpty(8);
     return true;
 }
 
@@ -52,32 +46,28 @@ double GgaFields::Hdop() const {
 bool GllFields::Decode(const NmeaSentence& sentence) {
     if (sentence.Type() != SentenceType::Gll) return false;
     constexpr std::int32_t kWholeCount = 6;
-    std::array<std::string_view, kWholeCount + 1> field;
-    sentence.CopyFields(field);
-    position = {.latitude = field[1],
-                .latitudeHemisphere = field[2],
-                .longitude = field[3],
-                .longitudeHemisphere = field[4]};
-    time = sentence.FieldCount() >= kWholeCount ? field[5] : std::string_view();
-    status = field[6];
+    position = {.latitude = sentence.FieldOrEmpty(1),
+                .latitudeHemisphere = sentence.FieldOrEmpty(2),
+                .longitude = sentence.FieldOrEmpty(3),
+                .longitudeHemisphere = sentence.FieldOrEmpty(4)};
+    time = sentence.FieldCount() >= kWholeCount ? sentence.FieldOrEmpty(5) : std::string_view();
+    status = sentence.FieldOrEmpty(6);
     return true;
 }
 
 bool RmcFields::Decode(const NmeaSentence& sentence) {
     if (sentence.Type() != SentenceType::Rmc) return false;
-    std::array<std::string_view, 12> field;
-    sentence.CopyFields(field);
-    time = field[1];
-    status = field[2];
-    position = {.latitude = field[3],
-                .latitudeHemisphere = field[4],
-                .longitude = field[5],
-                .longitudeHemisphere = field[6]};
-    speedKnots = field[7];
-    headingDegrees = field[8];
-    date = field[9];
-    magneticVariation = field[10];
-    magneticVariationSense = field[11];
+    time = sentence.FieldOrEmpty(1);
+    status = sentence.FieldOrEmpty(2);
+    position = {.latitude = sentence.FieldOrEmpty(3),
+                .latitudeHemisphere = sentence.FieldOrEmpty(4),
+                .longitude = sentence.FieldOrEmpty(5),
+                .longitudeHemisphere = sentence.FieldOrEmpty(6)};
+    speedKnots = sentence.FieldOrEmpty(7);
+    headingDegrees = sentence.FieldOrEmpty(8);
+    date = sentence.FieldOrEmpty(9);
+    magneticVariation = sentence.FieldOrEmpty(10);
+    magneticVariationSense = sentence.FieldOrEmpty(11);
     return true;
 }
 

@@ -7,7 +7,7 @@
 namespace kavrel {
 namespace {
 
-constexpr std::size_t kFirstPrnField = 3;
+constexpr std::int32_t kFirstPrnField = 3;
 constexpr std::int32_t kSystemIdField = 18;
 
 // Behind the DOPs a sentence of a talker for all constellations says which one it is about.
@@ -19,42 +19,64 @@ Constellation ConstellationOfGsa(const NmeaSentence& gsa) {
 
 }  // namespace
 
-void UsedSatellites::Add(const NmeaSentence& gsa, bool continuesRun) {
+void UsedSatellites::Numbers::Add(std::int32_t prn) {
+    if (prn > 0 && prn < kSmallLimit) {
+        small_[static_cast<std::size_t>(prn) / 64] |= std::uint64_t{1} << (prn % 64);
+        return;
+    }
+    // As many as there are fields fit.
+    if (!Contains(prn)) *std::find(large_.begin(), large_.end(), 0) = prn;
+}
+
+bool UsedSatellites::Numbers::Contains(std::int32_t prn) const {
+    if (prn > 0 && prn < kSmallLimit) {
+        return (small_[static_cast<std::size_t>(prn) / 64] >> (prn % 64) & 1) != 0;
+    }
+    return std::find(large_.begin(), large_.end(), prn) != large_.end();
+}
+
+bool UsedSatellites::Add(const NmeaSentence& gsa, bool continuesRun) {
+    bool hasChanged = false;
     if (!continuesRun) {
-        EndRun();
-        for (List& list : lists_)
+        hasChanged = EndRun();
+        for (List& list : std::span(lists_).first(count_))
             list.isOfOldRun = true;
     }
-    const Constellation constellation = ConstellationOfGsa(gsa);
-    MakeRoomFor(constellation);
-
-    List& list = lists_[count_++];
-    list.constellation = constellation;
-    list.isOfOldRun = false;
-    list.size = 0;
-    std::array<std::string_view, kFirstPrnField + kPrnsPerSentence> fields;
-    gsa.CopyFields(fields);
-    for (std::size_t i = kFirstPrnField; i < fields.size(); ++i) {
-        const std::int32_t prn = fields[i].empty() ? 0 : ReadInteger(fields[i]);
-        if (prn != 0) list.prns[list.size++] = prn;
+    List list{.constellation = ConstellationOfGsa(gsa), .isOfOldRun = false, .numbers = {}};
+    for (std::int32_t i = 0; i < static_cast<std::int32_t>(kPrnsPerSentence); ++i) {
+        const std::int32_t prn = ReadInteger(gsa.FieldOrEmpty(kFirstPrnField + i));
+        if (prn != 0) list.numbers.Add(prn);
     }
+    hasChanged |= MakeRoomFor(list);
+    lists_[count_++] = list;
+    return hasChanged;
 }
 
 // A sentence replaces what the old run said of its constellation; of the sentences that name none,
-// the first.
-void UsedSatellites::MakeRoomFor(Constellation constellation) {
+// the first. Returns whether it says something else.
+bool UsedSatellites::MakeRoomFor(const List& list) {
+    bool isKnown = false;
+    bool hasChanged = false;
     for (std::size_t i = 0; i < count_;) {
-        if (!lists_[i].isOfOldRun || lists_[i].constellation != constellation) {
+        if (!lists_[i].isOfOldRun || lists_[i].constellation != list.constellation) {
             ++i;
             continue;
         }
+        const bool isSame = lists_[i].numbers == list.numbers;
+        isKnown |= isSame;
+        hasChanged |= !isSame;
         Remove(i);
-        if (constellation == Constellation::Any) break;
+        if (list.constellation == Constellation::Any) break;
     }
-    if (count_ == kMaxSentences) Remove(0);
+    if (count_ == kMaxSentences) {
+        Remove(0);
+        hasChanged = true;
+    }
+    return hasChanged || !isKnown;
 }
 
-void UsedSatellites::EndRun() {
+bool UsedSatellites::EndRun() {
+    const std::size_t before = count_;
     for (std::size_t i = 0; i < count_;) {
         if (lists_[i].isOfOldRun) {
             Remove(i);
@@ -62,6 +84,7 @@ void UsedSatellites::EndRun() {
             ++i;
         }
     }
+    return count_ != before;
 }
 
 void UsedSatellites::Remove(std::size_t index) {
@@ -74,9 +97,7 @@ bool UsedSatellites::Contains(const SatelliteValues& satellite) const {
     for (const List& list : lists()) {
         const bool isMeant = list.constellation == own ||
                              list.constellation == Constellation::Any || own == Constellation::Any;
-        if (!isMeant) continue;
-        const auto end = list.prns.begin() + list.size;
-        if (std::find(list.prns.begin(), end, satellite.prn) != end) return true;
+        if (isMeant && list.numbers.Contains(satellite.prn)) return true;
     }
     return false;
 }

@@ -18,11 +18,13 @@ namespace kavrel {
 
 class UsedSatellites {
   public:
+    // Both return whether Contains may now answer otherwise.
+
     // Adds a GSA sentence. `continuesRun`: the sentence right before it was a GSA, too.
-    void Add(const NmeaSentence& gsa, bool continuesRun);
+    bool Add(const NmeaSentence& gsa, bool continuesRun);
 
     // The run is over: what it has not replaced is gone. REQUIRES: called before the next run.
-    void EndRun();
+    bool EndRun();
 
     // A list whose constellation is known marks that constellation's satellites only; other lists
     // mark every satellite of the number.
@@ -34,17 +36,29 @@ class UsedSatellites {
     static constexpr std::size_t kMaxSentences = 8;
     static constexpr std::size_t kPrnsPerSentence = 12;
 
+    // Satellite numbers. Nearly all are below 256, and are looked up far more often than listed.
+    class Numbers {
+      public:
+        void Add(std::int32_t prn);
+        bool Contains(std::int32_t prn) const;
+        bool operator==(const Numbers& other) const = default;
+
+      private:
+        static constexpr std::int32_t kSmallLimit = 256;
+        std::array<std::uint64_t, kSmallLimit / 64> small_{};  // a bit each
+        std::array<std::int32_t, kPrnsPerSentence> large_{};   // 0 behind the last
+    };
+
     // What one sentence listed.
     struct List {
         Constellation constellation;
         bool isOfOldRun;
-        std::uint8_t size;
-        std::array<std::int32_t, kPrnsPerSentence> prns;
+        Numbers numbers;
     };
 
     std::span<const List> lists() const { return std::span(lists_).first(count_); }
     void Remove(std::size_t index);
-    void MakeRoomFor(Constellation constellation);
+    bool MakeRoomFor(const List& list);
 
     std::array<List, kMaxSentences> lists_;
     std::size_t count_ = 0;

@@ -6,6 +6,7 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "unit/nmea/reference_sentence.h"
@@ -94,14 +95,20 @@ TEST_F(NmeaSentenceTest, AShortTextLeavesItEmpty) {
     ExpectEmpty();
 }
 
-TEST_F(NmeaSentenceTest, TakesATextInTwoRuns) {
-    const std::string text = "$GPGGA,12,34*56";
-    for (std::size_t split = 0; split <= text.size(); ++split) {
-        sentence_->SetText(text.substr(0, split), text.substr(split));
-        EXPECT_EQ(sentence_->Text(), text);
-        EXPECT_EQ(sentence_->FullCommand(), "GPGGA");
-        ExpectFields({"12", "34"});
-    }
+TEST_F(NmeaSentenceTest, CountsChanges) {
+    std::uint32_t count = sentence_->ChangeCount();
+    const auto hasChanged = [&] { return std::exchange(count, sentence_->ChangeCount()) != count; };
+    sentence_->SetText("$GPGGA,1");
+    EXPECT_TRUE(hasChanged());
+    sentence_->SetField(1, "2");
+    EXPECT_TRUE(hasChanged());
+    sentence_->SetField(1, "3");
+    EXPECT_TRUE(hasChanged());
+    sentence_->SetCommand("RMC");
+    EXPECT_TRUE(hasChanged());
+    sentence_->SetCommand("four");
+    sentence_->TextWithLineEnd();
+    EXPECT_FALSE(hasChanged());
 }
 
 TEST_F(NmeaSentenceTest, IndexesOutOfBounds) {

@@ -69,6 +69,8 @@ TEST(SentenceAssembler, CutsAndChecks) {
         {"carriage return inside", "$GPGGA,1\r,2*00\r\n", {"$GPGGA,1\r,2*00"}},
         {"two carriage returns", "$GPGGA,1\r\r\n", {"$GPGGA,1\r"}},
         {"text behind the checksum", "$GPGGA,1*4Bxyz\r\n", {"$GPGGA,1*4Bxyz"}},
+        // Its value of (36 - 55) * 16 + 4 would fit, but a "$" opens a sentence wherever it stands.
+        {"a dollar for a digit", "$A\x95*$4\r\n", {""}},
         {"a second star", "$GPGGA,1*4B*00\r\n", {"$GPGGA,1*4B*00"}},
         {"too short for a record", "$GPGG\r\n", {""}},
         {"dollar only", "$\r\n", {""}},
@@ -163,7 +165,7 @@ TEST(SentenceAssembler, SplitAnywhereItIsTheSame) {
     EXPECT_EQ(texts, expected);
 }
 
-// The ring's end falls on every position of a sentence, and the positions pass 65536 twice.
+// The buffer's end falls on every position of a sentence.
 TEST(SentenceAssembler, WrapsAround) {
     SentenceAssembler assembler;
     std::size_t total = 0;
@@ -175,8 +177,8 @@ TEST(SentenceAssembler, WrapsAround) {
     }
 }
 
-// The positions wrap every 64 KB; a day of a quick receiver is a gigabyte. Sanitized builds, which
-// take ten times as long, see a sixteenth of it.
+// A day of a quick receiver is a gigabyte. Sanitized builds, which take ten times as long, see a
+// sixteenth of it.
 TEST(SentenceAssembler, NeverLosesItsPlace) {
 #ifdef NDEBUG
     constexpr std::size_t kTotal = std::size_t{1} << 30;
@@ -239,7 +241,6 @@ TEST(SentenceAssembler, KeepsTheLastOfTooMuch) {
     EXPECT_THAT(TakeAll(inPieces), IsEmpty());
 }
 
-// A text that brings the positions back to where they were must not look like an empty one.
 TEST(SentenceAssembler, ATextOf65536IsNoEmptyText) {
     SentenceAssembler assembler;
     assembler.Append(std::string(65536 - 10, 'x') + "$GPGGA,1\r\n");
@@ -254,6 +255,28 @@ TEST(SentenceAssembler, LosesTheOldestWhenUnreadTextOverflows) {
     // Ten characters wait; 503 more push out the "$" of the waiting sentence.
     assembler.Append(std::string(493, 'x') + "$GPGGA,3\r\n");
     EXPECT_THAT(TakeAll(assembler), ElementsAre("$GPGGA,3"));
+}
+
+TEST(SentenceAssembler, UsesASentenceAgainThatNobodyKeeps) {
+    SentenceAssembler assembler;
+    const auto take = [&assembler](std::string_view body) {
+        assembler.Append(Line(body));
+        EXPECT_TRUE(assembler.HasSentence());
+        return assembler.TakeSentence();
+    };
+    Ref<NmeaSentence> first = take("GPGGA,1");
+    NmeaSentence* const record = first.get();
+    first->SetField(1, "changed");
+    assembler.GiveBack(std::move(first));
+    Ref<NmeaSentence> second = take("GPRMC,1,2");
+    EXPECT_EQ(second.get(), record);
+    EXPECT_EQ(second->Text(), Sentence("GPRMC,1,2"));
+    EXPECT_EQ(second->Field(1), "1");
+
+    const Ref<NmeaSentence> kept = second;
+    assembler.GiveBack(std::move(second));
+    EXPECT_NE(take("GPGLL,1").get(), record);
+    EXPECT_EQ(kept->Text(), Sentence("GPRMC,1,2"));
 }
 
 std::string RandomChunk(std::mt19937_64& random) {

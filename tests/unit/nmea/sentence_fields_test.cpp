@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <string>
 
+#include "unit/nmea/reference_sentence.h"
 #include "unit/nmea/sentence_text.h"
 
 namespace kavrel {
@@ -59,22 +59,27 @@ TEST(Decode, LeavesAloneWhatIsOfAnotherType) {
     EXPECT_TRUE(gll.IsValid());
 }
 
-// The fields read at once are those read one by one: with stars in odd places, and changed ones.
-TEST(CopyFields, GivesWhatFieldsGive) {
+// With stars in odd places, with more fields than ordinary sentences have, and changed.
+TEST(FieldOrEmpty, FollowsTheRules) {
     std::string many = "GPXXX";
     for (int i = 0; i < 40; ++i)
         many += "," + std::to_string(i);
-    for (const std::string& body : {std::string("GPXXX"), std::string("GPXXX,"),
-                                    std::string("GPXXX,a*b,c,d"), std::string("GPXXX,a,*,*b,c*d"),
-                                    std::string("GP*XX,a,b"), std::string("GPXXX,a,b*,"), many}) {
+    for (const std::string& body :
+         {std::string("GPXXX"), std::string("GPXXX,"), std::string("GPXXX,a*b,c,d"),
+          std::string("GPXXX,a,*,*b,c*d"), std::string("GP*XX,a,b"), std::string("GPXXX,a,b*,"),
+          many, many + ",*", many.substr(0, 5 + 24 * 2), many.substr(0, 5 + 25 * 2)}) {
         const Ref<NmeaSentence> sentence = Make(body);
+        ReferenceSentence reference;
+        reference.SetText(Sentence(body));
         for (const bool isEdited : {false, true}) {
-            if (isEdited) sentence->SetField(2, "edited");
-            std::array<std::string_view, 45> fields;
-            sentence->CopyFields(fields);
-            for (std::size_t i = 1; i < fields.size(); ++i) {
-                EXPECT_EQ(fields[i], sentence->FieldOrEmpty(static_cast<std::int32_t>(i)))
-                    << body << " " << i;
+            if (isEdited) {
+                sentence->SetField(2, "edited");
+                reference.SetField(2, "edited");
+            }
+            for (std::int32_t i = -1; i < 45; ++i) {
+                std::string expected;
+                reference.Field(i, expected);
+                EXPECT_EQ(sentence->FieldOrEmpty(i), expected) << body << " " << i;
             }
         }
     }
