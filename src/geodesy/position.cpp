@@ -22,9 +22,9 @@ Dms DmsFromText(std::string_view text) {
             ReadDouble(text.substr(whole)) * 60.0};
 }
 
-double RadsFromDms(const Dms& dms, std::string_view hemisphere, char negativeHemisphere) {
+double RadsFromDms(const Dms& dms, bool isNegative) {
     const double rads = (dms.degrees + dms.minutes / 60.0 + dms.seconds / 3600.0) * kRadsPerDegree;
-    return hemisphere.starts_with(negativeHemisphere) ? -rads : rads;
+    return isNegative ? -rads : rads;
 }
 
 double RadsFromParts(double degrees, double minutes, double seconds, bool isNegative) {
@@ -63,19 +63,27 @@ Position::Scope::~Scope() KAVREL_THREAD_ANNOTATION(no_thread_safety_analysis) {
     first_->lock_.Release();
 }
 
-Position::Position(const ReceiverPosition& text, DatumId datum) {
+ReceiverPositionValues::ReceiverPositionValues(const ReceiverPosition& text)
+    : latitude(DmsFromText(text.latitude)),
+      longitude(DmsFromText(text.longitude)),
+      isSouth(text.latitudeHemisphere.starts_with('S')),
+      isWest(text.longitudeHemisphere.starts_with('W')) {
+    if (text.altitude.empty()) return;
+    altitudeMetres = ReadDouble(text.altitude);
+    ellipsoidalHeightMetres = altitudeMetres + ReadDouble(text.geoidalSeparation);
+}
+
+Position::Position(const ReceiverPositionValues& received, DatumId datum) {
     GeoCoordinate& c = state_.coordinate;
     state_.isUntouched = false;
     c.datum.id = datum;
-    state_.latitude = DmsFromText(text.latitude);
-    state_.longitude = DmsFromText(text.longitude);
-    c.latitudeRads = RadsFromDms(state_.latitude, text.latitudeHemisphere, 'S');
-    c.longitudeRads = RadsFromDms(state_.longitude, text.longitudeHemisphere, 'W');
+    state_.latitude = received.latitude;
+    state_.longitude = received.longitude;
+    c.latitudeRads = RadsFromDms(received.latitude, received.isSouth);
+    c.longitudeRads = RadsFromDms(received.longitude, received.isWest);
     if (NormaliseLongitude(c.longitudeRads) != c.longitudeRads) UpdateLongitudeDms();
-    if (!text.altitude.empty()) {
-        state_.altitudeMetres = ReadDouble(text.altitude);
-        c.ellipsoidalHeightMetres = state_.altitudeMetres + ReadDouble(text.geoidalSeparation);
-    }
+    state_.altitudeMetres = received.altitudeMetres;
+    c.ellipsoidalHeightMetres = received.ellipsoidalHeightMetres;
 }
 
 Position::Position(const GeoPoint& point, double altitudeMetres, double ellipsoidalHeightMetres,

@@ -23,6 +23,19 @@ struct ReceiverPosition {
     std::string_view geoidalSeparation;    // metres
 };
 
+// The numbers of these texts, as they stand there. All 0 without texts.
+struct ReceiverPositionValues {
+    Dms latitude;
+    Dms longitude;
+    bool isSouth = false;
+    bool isWest = false;
+    double altitudeMetres = 0.0;           // above mean sea level
+    double ellipsoidalHeightMetres = 0.0;  // the geoidal separation more; 0 for an empty altitude
+
+    ReceiverPositionValues() = default;
+    explicit ReceiverPositionValues(const ReceiverPosition& text);
+};
+
 struct DmsWithHemisphere : Dms {
     char hemisphere = 'N';
 };
@@ -55,7 +68,9 @@ class Position final : public Record {
 
     // Untouched: on datum 1, everything 0.
     Position() = default;
-    Position(const ReceiverPosition& text, DatumId datum);
+    Position(const ReceiverPositionValues& received, DatumId datum);
+    Position(const ReceiverPosition& text, DatumId datum)
+        : Position(ReceiverPositionValues(text), datum) {}
     Position(const GeoPoint& point, double altitudeMetres, double ellipsoidalHeightMetres,
              DatumId datum);
 

@@ -18,7 +18,7 @@ void NmeaParser::Parse(std::string_view text) {
     if (!RequirePortDisabled()) return;
     if (!parseAssembler_.Append(text)) return;
     while (parseAssembler_.HasSentence()) {
-        DispatchSentence(parseAssembler_.TakeSentence());
+        parseAssembler_.GiveBack(DispatchSentence(parseAssembler_.TakeSentence()));
     }
     // What a callback did to this parser may have failed; Parse did not.
     error().Clear();

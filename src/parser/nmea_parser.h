@@ -31,6 +31,7 @@
 #include "parser/form_sync.h"
 #include "parser/port_choice.h"
 #include "parser/port_reader.h"
+#include "parser/result_spares.h"
 #include "parser/snapshot_slot.h"
 #include "parser/work_item.h"
 #include "platform/machine.h"
@@ -40,6 +41,7 @@
 #include "results/movement.h"
 #include "results/quality.h"
 #include "results/satellites.h"
+#include "results/sentence_values.h"
 
 namespace kavrel {
 
@@ -181,20 +183,20 @@ class NmeaParser final : public HandOverTarget, private PortReader::Listener {
     // False, with the error set, while there are events.
     bool RequireNoEvents();
 
-    void DispatchSentence(Ref<NmeaSentence> reference);
+    // Returns the sentence when it has no more use for it, or null.
+    Ref<NmeaSentence> DispatchSentence(Ref<NmeaSentence> sentence);
     void DispatchComStatus(Ref<Record> status);
     void RaiseGeneric(NmeaSentence& sentence);
 
-    // Each decodes a sentence again, since a client may have changed it meanwhile.
-    void UpdateFix(const NmeaSentence& sentence);
-    void UpdateMovement(const NmeaSentence& sentence);
+    void UpdateFix(const SentenceValues& values);
+    void UpdateMovement(const SentenceValues& values);
     void UpdateQuality(const NmeaSentence& sentence);
     void UpdateSatellites(const NmeaSentence& sentence);
 
-    // Raises GGA, GLL or RMC. The object takes the sentence over and is returned; null when nobody
-    // listens.
+    // Raises GGA, GLL or RMC. `sentence` is taken over meanwhile.
     template <typename T>
-    Ref<Record> RaiseDecoded(ParserEvent event, Ref<NmeaSentence>& sentence);
+    void RaiseDecoded(ParserEvent event, Ref<NmeaSentence>& sentence, const SentenceValues& values,
+                      Spare<T>& spare);
 
     // The wishes as they are now. For the dispatching thread, which may keep the reference until
     // it calls a client.
@@ -212,8 +214,8 @@ class NmeaParser final : public HandOverTarget, private PortReader::Listener {
     static void Call(const EventHandler& handler, ParserEvent event, Record& object);
 
     template <typename T>
-    void Hand(IntervalSlot slot, const Turn& turn, SnapshotSlot<T>& snapshots, Ref<T> object,
-              std::int32_t level = 0);
+    void Hand(IntervalSlot slot, const Turn& turn, SnapshotSlot<T>& snapshots, Spare<T>& spare,
+              Ref<T> object, std::int32_t level = 0);
 
     SentenceAssembler parseAssembler_;
     PortChoice portChoice_;
@@ -241,6 +243,7 @@ class NmeaParser final : public HandOverTarget, private PortReader::Listener {
     FixBuilder fixBuilder_;
     SatelliteAccumulator accumulator_;
     bool wasGsa_ = false;  // the sentence before
+    ResultSpares spares_;
 
     SnapshotSlot<GpsFix> fixes_;
     SnapshotSlot<Satellites> satellites_;

@@ -26,6 +26,28 @@ constexpr const DerivedEvent& DerivedEventOf(IntervalSlot slot) {
     return kDerivedEvents[static_cast<std::size_t>(slot)];
 }
 
+// The values of a sentence: decoded once, and again only when a client has changed the sentence.
+class Decoding {
+  public:
+    explicit Decoding(const NmeaSentence& sentence)
+        : sentence_(sentence),
+          changeCount_(sentence.ChangeCount()),
+          values_(DecodeValues(sentence)) {}
+
+    const SentenceValues& values() {
+        if (changeCount_ != sentence_.ChangeCount()) {
+            changeCount_ = sentence_.ChangeCount();
+            values_ = DecodeValues(sentence_);
+        }
+        return values_;
+    }
+
+  private:
+    const NmeaSentence& sentence_;
+    std::uint32_t changeCount_;
+    SentenceValues values_;
+};
+
 }  // namespace
 
 void NmeaParser::Dispatch(WorkItem item) {
@@ -47,41 +69,46 @@ void NmeaParser::DispatchComStatus(Ref<Record> status) {
           std::move(status));
 }
 
-void NmeaParser::DispatchSentence(Ref<NmeaSentence> reference) {
-    NmeaSentence& sentence = *reference;
-    const SentenceType type = sentence.Type();
-    Ref<Record> decoded;  // keeps the sentence once it has taken it over
+Ref<NmeaSentence> NmeaParser::DispatchSentence(Ref<NmeaSentence> sentence) {
+    const SentenceType type = sentence->Type();
     if (!allEventsGeneric_) {
         switch (type) {
-            case SentenceType::Rmc:
-                decoded = RaiseDecoded<NmeaRmc>(ParserEvent::Rmc, reference);
-                UpdateFix(sentence);
-                UpdateMovement(sentence);
+            case SentenceType::Rmc: {
+                Decoding decoding(*sentence);
+                RaiseDecoded(ParserEvent::Rmc, sentence, decoding.values(), spares_.rmc);
+                UpdateFix(decoding.values());
+                UpdateMovement(decoding.values());
                 break;
-            case SentenceType::Gll:
-                decoded = RaiseDecoded<NmeaGll>(ParserEvent::Gll, reference);
-                UpdateFix(sentence);
+            }
+            case SentenceType::Gll: {
+                Decoding decoding(*sentence);
+                RaiseDecoded(ParserEvent::Gll, sentence, decoding.values(), spares_.gll);
+                UpdateFix(decoding.values());
                 break;
-            case SentenceType::Gga:
-                decoded = RaiseDecoded<NmeaGga>(ParserEvent::Gga, reference);
-                UpdateFix(sentence);
+            }
+            case SentenceType::Gga: {
+                Decoding decoding(*sentence);
+                RaiseDecoded(ParserEvent::Gga, sentence, decoding.values(), spares_.gga);
+                UpdateFix(decoding.values());
                 break;
+            }
             case SentenceType::Gsv:
-                UpdateSatellites(sentence);
+                UpdateSatellites(*sentence);
                 break;
             case SentenceType::Gsa:
-                UpdateQuality(sentence);
-                UpdateSatellites(sentence);
+                UpdateQuality(*sentence);
+                UpdateSatellites(*sentence);
                 break;
             case SentenceType::Vtg:
-                UpdateMovement(sentence);
+                UpdateMovement(DecodeValues(*sentence));
                 break;
             case SentenceType::Other:
                 break;
         }
     }
     wasGsa_ = type == SentenceType::Gsa;
-    RaiseGeneric(sentence);
+    RaiseGeneric(*sentence);
+    return sentence;
 }
 
 void NmeaParser::RaiseGeneric(NmeaSentence& sentence) {
@@ -95,19 +122,25 @@ void NmeaParser::RaiseGeneric(NmeaSentence& sentence) {
 }
 
 template <typename T>
-Ref<Record> NmeaParser::RaiseDecoded(ParserEvent event, Ref<NmeaSentence>& sentence) {
-    if (noEvents_) return nullptr;
+void NmeaParser::RaiseDecoded(ParserEvent event, Ref<NmeaSentence>& sentence,
+                              const SentenceValues& values, Spare<T>& spare) {
+    if (noEvents_) return;
     const EventHandler handler = HandlerOf(event);
-    if (!handler) return nullptr;
-    auto decoded = MakeRef<T>(std::move(sentence), gpsDatum_.load());
+    if (!handler) return;
+    Ref<T> decoded = spare.Make(std::move(sentence), values, gpsDatum_.load());
     Call(handler, event, *decoded);
-    return decoded;
+    if (decoded.IsOnly()) {
+        sentence = decoded->TakeSentence();
+        spare.GiveBack(std::move(decoded));
+    } else {
+        sentence = Ref<NmeaSentence>::Share(&decoded->sentence());
+    }
 }
 
-void NmeaParser::UpdateFix(const NmeaSentence& sentence) {
+void NmeaParser::UpdateFix(const SentenceValues& values) {
     if (!IsWanted(IntervalSlot::GpsFix)) return;
-    const SentenceType type = sentence.Type();
-    const FixValues fix = fixBuilder_.Build(sentence);
+    const FixValues fix = fixBuilder_.Build(values);
+    fixBuilder_.Keep(values.type, fix);
     const bool isValid = fix.type != kFixNone;
     const std::uint32_t nowMs = isValid ? TickCountMs() : 0;
 
@@ -121,24 +154,24 @@ void NmeaParser::UpdateFix(const NmeaSentence& sentence) {
         hasStatusChanged = comStatus_.NoteFix(isValid, nowMs);
         status = comStatus_.values();
     }
-    Ref<GpsFix> record;
-    if (turn.isPublished || turn.isRaised) record = MakeRef<GpsFix>(fix, gpsDatum_.load());
-    fixBuilder_.Keep(type, fix);
-    // From here on callbacks run, and the views of `fix` may end.
     if (hasStatusChanged) RaiseComStatus(status);
-    if (record) Hand(IntervalSlot::GpsFix, turn, fixes_, std::move(record), fix.type);
+    if (!turn.isPublished && !turn.isRaised) return;
+    Hand(IntervalSlot::GpsFix, turn, fixes_, spares_.fix, spares_.fix.Make(fix, gpsDatum_.load()),
+         fix.type);
 }
 
-void NmeaParser::UpdateMovement(const NmeaSentence& sentence) {
+void NmeaParser::UpdateMovement(const SentenceValues& values) {
     const Turn turn = TakeTurn(IntervalSlot::Movement);
     if (!turn.isPublished && !turn.isRaised) return;
-    Hand(IntervalSlot::Movement, turn, movements_, MakeRef<Movement>(DecodeMovement(sentence)));
+    Hand(IntervalSlot::Movement, turn, movements_, spares_.movement,
+         spares_.movement.Make(values.movement));
 }
 
 void NmeaParser::UpdateQuality(const NmeaSentence& sentence) {
     const Turn turn = TakeTurn(IntervalSlot::Quality);
     if (!turn.isPublished && !turn.isRaised) return;
-    Hand(IntervalSlot::Quality, turn, qualities_, MakeRef<Quality>(DecodeQuality(sentence)));
+    Hand(IntervalSlot::Quality, turn, qualities_, spares_.quality,
+         spares_.quality.Make(DecodeQuality(sentence)));
 }
 
 void NmeaParser::UpdateSatellites(const NmeaSentence& sentence) {
@@ -148,7 +181,8 @@ void NmeaParser::UpdateSatellites(const NmeaSentence& sentence) {
     if (!accumulator_.AddGsv(sentence) && !accumulator_.AddGsa(sentence, wasGsa_)) return;
     const Turn turn = TakeTurn(IntervalSlot::Satellites);
     if (!turn.isPublished && !turn.isRaised) return;
-    Hand(IntervalSlot::Satellites, turn, satellites_, MakeRef<Satellites>(accumulator_.picture()));
+    Hand(IntervalSlot::Satellites, turn, satellites_, spares_.satellites,
+         spares_.satellites.Make(accumulator_.picture()));
 }
 
 const NmeaParser::ClientWishes& NmeaParser::Wishes() {
@@ -175,13 +209,16 @@ NmeaParser::Turn NmeaParser::TakeTurn(IntervalSlot slot) {
 
 template <typename T>
 void NmeaParser::Hand(IntervalSlot slot, const Turn& turn, SnapshotSlot<T>& snapshots,
-                      Ref<T> object, std::int32_t level) {
+                      Spare<T>& spare, Ref<T> object, std::int32_t level) {
+    const auto& [event, code] = DerivedEventOf(slot);
     if (turn.isPublished) {
-        snapshots.Publish(std::move(object), level);
-    } else {
-        const auto& [event, code] = DerivedEventOf(slot);
-        Raise(code, event, turn.handler, std::move(object));
+        object = snapshots.Publish(std::move(object), level);
+    } else if (isQueued_) {
+        queue_->Put(code, std::move(object));
+    } else if (turn.handler) {
+        Call(turn.handler, event, *object);
     }
+    spare.GiveBack(std::move(object));
 }
 
 void NmeaParser::RaiseComStatus(const ComStatusValues& status) {

@@ -18,16 +18,17 @@ template <typename T>
 class SnapshotSlot {
   public:
     // Replaces the snapshot and wakes the query that waits. While one waits for a higher level, the
-    // snapshot is dropped.
-    void Publish(Ref<T> snapshot, std::int32_t level = 0) {
+    // snapshot is dropped. Returns what is out of use: the one replaced, or dropped, or null.
+    Ref<T> Publish(Ref<T> snapshot, std::int32_t level = 0) {
         Ref<Event> waiting;
         {
             const LockScope scope(lock_);
-            if (waiting_ && level < wantedLevel_) return;
+            if (waiting_ && level < wantedLevel_) return snapshot;
             std::swap(snapshot_, snapshot);
             waiting = waiting_;
         }
         if (waiting) waiting->Signal();
+        return snapshot;
     }
 
     // With a time below 1, the latest snapshot, however old; else the next one of at least

@@ -1,5 +1,5 @@
 // What the objects of the GGA, GLL and RMC events have in common: the values of one sentence, and
-// the sentence. The values never change, even when a client changes the sentence.
+// the sentence. The values do not change when a client changes the sentence.
 #pragma once
 
 #include <cstdint>
@@ -9,9 +9,8 @@
 #include "base/record.h"
 #include "geodesy/position.h"
 #include "nmea/nmea_sentence.h"
-#include "nmea/sentence_fields.h"
 #include "results/nmea_time.h"
-#include "results/received_position.h"
+#include "results/sentence_values.h"
 
 namespace kavrel {
 
@@ -26,51 +25,64 @@ class DecodedSentence : public Record {
     Ref<Position> MakePosition();
 
     NmeaSentence& sentence() const { return *sentence_; }
-    const std::optional<NmeaTime>& time() const { return utc_; }
+    const std::optional<NmeaTime>& time() const { return values_.utc; }
+
+    // Gives the sentence to the caller. REQUIRES: nobody uses the object before the next Assign.
+    Ref<NmeaSentence> TakeSentence() { return std::move(sentence_); }
 
   protected:
-    explicit DecodedSentence(Ref<NmeaSentence> sentence) : sentence_(std::move(sentence)) {}
+    DecodedSentence() = default;
 
-    // To be called from the constructor only.
-    void SetCommonValues(bool isValid, const std::optional<NmeaTime>& utc,
-                         const PositionFields& position, DatumId datum);
+    // Values of another type than `type` are not taken over.
+    void Assign(Ref<NmeaSentence> sentence, const SentenceValues& values, SentenceType type,
+                DatumId datum);
+
+    const SentenceValues& values() const { return values_; }
 
   private:
     Ref<NmeaSentence> sentence_;
-    bool isValid_ = false;
-    std::optional<NmeaTime> utc_;
-    ReceivedPosition position_;
+    SentenceValues values_;
+    DatumId datum_ = kDatumWgs84;
 };
 
-class NmeaGga final : public DecodedSentence {
+// Each is made of a sentence, or of a sentence with its values where these are known already.
+// Positions are on `datum`. A sentence of another type leaves every value at its default.
+template <SentenceType kType>
+class DecodedSentenceOf : public DecodedSentence {
   public:
-    // Positions are on `datum`. A sentence of another type leaves every value at its default.
-    NmeaGga(Ref<NmeaSentence> sentence, DatumId datum);
+    DecodedSentenceOf(Ref<NmeaSentence> sentence, DatumId datum) {
+        const SentenceValues values = DecodeValues(*sentence);
+        Assign(std::move(sentence), values, datum);
+    }
+    DecodedSentenceOf(Ref<NmeaSentence> sentence, const SentenceValues& values, DatumId datum) {
+        Assign(std::move(sentence), values, datum);
+    }
+    void Assign(Ref<NmeaSentence> sentence, const SentenceValues& values, DatumId datum) {
+        DecodedSentence::Assign(std::move(sentence), values, kType, datum);
+    }
+};
+
+class NmeaGga final : public DecodedSentenceOf<SentenceType::Gga> {
+  public:
+    using DecodedSentenceOf::DecodedSentenceOf;
 
     std::int16_t SatellitesInView();
     double Hdop();
-
-  private:
-    std::int16_t satellitesInView_ = 0;
-    double hdop_ = 0.0;
 };
 
-class NmeaGll final : public DecodedSentence {
+class NmeaGll final : public DecodedSentenceOf<SentenceType::Gll> {
   public:
-    NmeaGll(Ref<NmeaSentence> sentence, DatumId datum);
+    using DecodedSentenceOf::DecodedSentenceOf;
 };
 
-class NmeaRmc final : public DecodedSentence {
+class NmeaRmc final : public DecodedSentenceOf<SentenceType::Rmc> {
   public:
-    NmeaRmc(Ref<NmeaSentence> sentence, DatumId datum);
+    using DecodedSentenceOf::DecodedSentenceOf;
 
     // In a speed unit; an unknown one counts as knots, unlike in Movement::Speed.
     double GroundSpeed(std::int32_t unit);
     double Heading();            // degrees
     double MagneticVariation();  // degrees, east positive
-
-  private:
-    MovementValues movement_;
 };
 
 }  // namespace kavrel

@@ -7,10 +7,9 @@
 #include <cstdint>
 #include <optional>
 
-#include "base/small_text.h"
-#include "nmea/nmea_sentence.h"
-#include "nmea/sentence_fields.h"
+#include "geodesy/position.h"
 #include "results/nmea_time.h"
+#include "results/sentence_values.h"
 
 namespace kavrel {
 
@@ -19,11 +18,11 @@ inline constexpr std::int32_t kFixNone = 0;
 inline constexpr std::int32_t kFixWithoutAltitude = 2;
 inline constexpr std::int32_t kFixWithAltitude = 3;
 
-// A fix before it is a record. The views last until sentence or builder change.
+// A fix before it is a record.
 struct FixValues {
     std::int32_t type = kFixNone;
     std::optional<NmeaTime> utc;
-    PositionFields position;
+    ReceiverPositionValues position;
 };
 
 class FixBuilder {
@@ -31,30 +30,21 @@ class FixBuilder {
     // From RMC, GLL or GGA. A sentence of another type, or one that is not valid, gives an empty
     // fix. A GGA's fix is always with altitude, even when its own altitude is empty; the others'
     // only once a GGA has been kept.
-    FixValues Build(const NmeaSentence& sentence) const;
+    FixValues Build(const SentenceValues& values) const;
 
-    // Keeps what later fixes need of a fix just built. Views into the builder end.
+    // Keeps what later fixes need of a fix just built.
     void Keep(SentenceType type, const FixValues& fix);
 
     void Clear();
 
   private:
-    FixValues BuildFromRmc(const NmeaSentence& sentence) const;
-    FixValues BuildFromGll(const NmeaSentence& sentence) const;
-    FixValues BuildFromGga(const NmeaSentence& sentence) const;
-
     void AddKeptAltitude(FixValues& fix) const;
-    std::optional<NmeaTime> OnKeptDate(std::string_view timeField) const;
-
-    static constexpr std::size_t kUsualNumberLength = 16;
+    void AddKeptDate(FixValues& fix) const;
 
     bool hasGga_ = false;
-    SmallText<kUsualNumberLength> ggaAltitude_;
-    SmallText<kUsualNumberLength> ggaGeoidSeparation_;
+    double ggaAltitudeMetres_ = 0.0;
+    double ggaEllipsoidalHeightMetres_ = 0.0;
     std::optional<NmeaTime> rmcTime_;
 };
-
-// The time of a sentence's field; nothing when the sentence does not have the field.
-std::optional<NmeaTime> TimeOf(std::string_view timeField, std::string_view dateField = {});
 
 }  // namespace kavrel

@@ -2,23 +2,26 @@
 
 namespace kavrel {
 
-GpsFix::GpsFix(const FixValues& fix, DatumId datum) : type_(fix.type), utc_(fix.utc) {
-    if (fix.type != kFixNone) position_.Set(fix.position, datum);
+void GpsFix::Assign(const FixValues& fix, DatumId datum) {
+    error().Clear();
+    fix_ = fix;
+    datum_ = datum;
 }
 
 std::int32_t GpsFix::FixType() {
     error().Clear();
-    return type_;
+    return fix_.type;
 }
 
 std::optional<double> GpsFix::Utc() {
     error().Clear();
-    return utc_.has_value() ? utc_->DateValue() : std::nullopt;
+    return fix_.utc.has_value() ? fix_.utc->DateValue() : std::nullopt;
 }
 
 Ref<Position> GpsFix::MakePosition() {
     error().Clear();
-    return position_.MakePosition();
+    if (fix_.type == kFixNone) return nullptr;
+    return MakeRef<Position>(fix_.position, datum_);
 }
 
 }  // namespace kavrel

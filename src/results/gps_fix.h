@@ -1,4 +1,4 @@
-// GpsFix: time, position and type of one fix. A snapshot: it never changes.
+// GpsFix: time, position and type of one fix. A snapshot: it never changes while anybody holds it.
 #pragma once
 
 #include <cstdint>
@@ -8,14 +8,14 @@
 #include "geodesy/datum.h"
 #include "results/fix_builder.h"
 #include "results/nmea_time.h"
-#include "results/received_position.h"
 
 namespace kavrel {
 
 class GpsFix final : public Record {
   public:
     // `datum` is the one that the receiver works on.
-    GpsFix(const FixValues& fix, DatumId datum);
+    GpsFix(const FixValues& fix, DatumId datum) { Assign(fix, datum); }
+    void Assign(const FixValues& fix, DatumId datum);
 
     // 0 none, 2 without altitude, 3 with altitude.
     std::int32_t FixType();
@@ -26,12 +26,11 @@ class GpsFix final : public Record {
     // A new Position each time, so that whoever changes it never changes the fix. Null without one.
     Ref<Position> MakePosition();
 
-    const std::optional<NmeaTime>& time() const { return utc_; }
+    const std::optional<NmeaTime>& time() const { return fix_.utc; }
 
   private:
-    std::int32_t type_;
-    std::optional<NmeaTime> utc_;
-    ReceivedPosition position_;
+    FixValues fix_;
+    DatumId datum_ = kDatumWgs84;
 };
 
 }  // namespace kavrel

@@ -1,4 +1,5 @@
-// Movement: heading, speed and magnetic variation of one moment. A snapshot: it never changes.
+// Movement: heading, speed and magnetic variation of one moment. A snapshot: it never changes
+// while anybody holds it.
 #pragma once
 
 #include <cstdint>
@@ -11,6 +12,10 @@ namespace kavrel {
 class Movement final : public Record {
   public:
     explicit Movement(const MovementValues& values) : values_(values) {}
+    void Assign(const MovementValues& values) {
+        error().Clear();
+        values_ = values;
+    }
 
     double Heading();            // degrees
     double MagneticVariation();  // degrees, east positive

@@ -1,4 +1,5 @@
-// Quality: dilutions of precision of one moment. A snapshot: it never changes.
+// Quality: dilutions of precision of one moment. A snapshot: it never changes
+// while anybody holds it.
 #pragma once
 
 #include "base/record.h"
@@ -9,6 +10,10 @@ namespace kavrel {
 class Quality final : public Record {
   public:
     explicit Quality(const QualityValues& values) : values_(values) {}
+    void Assign(const QualityValues& values) {
+        error().Clear();
+        values_ = values;
+    }
 
     double Pdop() { return Get(values_.pdop); }
     double Hdop() { return Get(values_.hdop); }

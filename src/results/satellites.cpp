@@ -13,6 +13,12 @@ std::int16_t Satellite::Id() {
     return static_cast<std::int16_t>(serialNumber());
 }
 
+void Satellites::Assign(std::span<const SatelliteValues> picture) {
+    error().Clear();
+    delete items_.exchange(nullptr, std::memory_order_acq_rel);
+    picture_.assign(picture.begin(), picture.end());
+}
+
 std::int16_t Satellites::Count() {
     error().Clear();
     return static_cast<std::int16_t>(picture_.size());

@@ -1,5 +1,5 @@
 // Satellites: the satellites in view at one moment. Satellite: one of them. Snapshots: they never
-// change.
+// change while anybody holds them.
 #pragma once
 
 #include <atomic>
@@ -41,6 +41,7 @@ class Satellites final : public Record {
   public:
     explicit Satellites(std::span<const SatelliteValues> picture)
         : picture_(picture.begin(), picture.end()) {}
+    void Assign(std::span<const SatelliteValues> picture);
 
     std::int16_t Count();
 

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <set>
 #include <string>
+#include <vector>
 
 #include "receiver.h"
 #include "unit/parser/receiver_test.h"
@@ -160,6 +162,57 @@ TEST_F(DispatchTest, MidnightWithADateIsOneSecond) {
     EXPECT_EQ(FeedRmc("235959", "311225"), "RMC+ Status+ Fix2@235959 Movement:32 Generic:RMC");
     EXPECT_EQ(FeedRmc("000000", "010126"), "RMC+ Movement:32 Generic:RMC");
     EXPECT_EQ(FeedRmc("000001", "010126"), "RMC+ Fix2@000001 Movement:32 Generic:RMC");
+}
+
+// Records are used again, but never one that somebody keeps.
+TEST_F(DispatchTest, KeptObjectsNeverChange) {
+    struct Keeper {
+        struct Kept {
+            ParserEvent event;
+            Ref<Record> object;
+            std::string description;
+        };
+        std::vector<Kept> kept;
+        std::set<const Record*> seen;
+        std::size_t events = 0;
+    };
+    Keeper keeper;
+    EventSink sink;
+    sink.context = &keeper;
+    sink.callbacks.fill([](void* context, ParserEvent event, Record& object) {
+        auto& own = *static_cast<Keeper*>(context);
+        own.seen.insert(&object);
+        // Some of each kind, so that there are kept ones, spare ones and new ones.
+        if (++own.events % 5 != 0) return;
+        if (event == ParserEvent::Satellites) static_cast<Satellites&>(object).Item(1);
+        own.kept.push_back({event, Ref<Record>::Share(&object), EventLog::Describe(event, object)});
+    });
+    parser_->SetEventSink(sink);
+    simulator::Receiver receiver({});
+    for (int epoch = 0; epoch < 50; ++epoch) {
+        const std::string text = receiver.NextEpoch();
+        for (std::size_t at = 0; at < text.size(); at += 300)
+            parser_->Parse(std::string_view(text).substr(at, 300));
+    }
+
+    EXPECT_LT(keeper.seen.size(), keeper.events / 3);
+    ASSERT_GT(keeper.kept.size(), 150u);
+    std::set<ParserEvent> kinds;
+    for (const Keeper::Kept& each : keeper.kept) {
+        kinds.insert(each.event);
+        EXPECT_EQ(EventLog::Describe(each.event, *each.object), each.description);
+    }
+    EXPECT_EQ(kinds.size(), 8u);
+}
+
+TEST_F(DispatchTest, SnapshotsAskedForNeverChange) {
+    parser_->SetNoEvents(true);
+    FeedGga("120000");
+    const Ref<GpsFix> kept = parser_->GetGpsFix(0, 0);
+    for (const char* time : {"120001", "120002", "120003"})
+        FeedGga(time);
+    EXPECT_EQ(kept->time()->second(), 0);
+    EXPECT_EQ(parser_->GetGpsFix(0, 0)->time()->second(), 3);
 }
 
 // However the text is cut, the events are the same.

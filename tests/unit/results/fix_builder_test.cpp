@@ -16,7 +16,7 @@ class FixBuilderTest : public testing::Test {
   protected:
     Ref<GpsFix> Feed(std::string_view body) {
         const Ref<NmeaSentence> sentence = MakeSentence(body);
-        const FixValues fix = builder_.Build(*sentence);
+        const FixValues fix = builder_.Build(DecodeValues(*sentence));
         auto record = MakeRef<GpsFix>(fix, kDatumWgs84);
         builder_.Keep(sentence->Type(), fix);
         return record;
@@ -86,7 +86,7 @@ TEST_F(FixBuilderTest, ForgetsWhenCleared) {
 // A later change of the sentence, or of a position handed out, is not seen in the fix.
 TEST_F(FixBuilderTest, FixesNeverChange) {
     const Ref<NmeaSentence> sentence = MakeSentence(kRmc);
-    const auto fix = MakeRef<GpsFix>(builder_.Build(*sentence), kDatumWgs84);
+    const auto fix = MakeRef<GpsFix>(builder_.Build(DecodeValues(*sentence)), kDatumWgs84);
     sentence->SetField(3, "1000.000");
     EXPECT_EQ(sentence->Text().substr(0, 7), "$GPRMC,");
     const Ref<Position> first = fix->MakePosition();
@@ -98,7 +98,7 @@ TEST_F(FixBuilderTest, FixesNeverChange) {
 }
 
 TEST_F(FixBuilderTest, PositionsAreOnTheReceiversDatum) {
-    const auto fix = MakeRef<GpsFix>(builder_.Build(*MakeSentence(kRmc)), DatumId{5});
+    const auto fix = MakeRef<GpsFix>(builder_.Build(DecodeValues(*MakeSentence(kRmc))), DatumId{5});
     EXPECT_EQ(fix->MakePosition()->Datum(), 5);
     EXPECT_NEAR(fix->MakePosition()->Latitude(), 48.1173, 1e-12);
 }
