@@ -10,6 +10,12 @@ void DecodedSentence::Assign(Ref<NmeaSentence> sentence, const SentenceValues& v
     sentence_ = std::move(sentence);
     values_ = values.type == type ? values : SentenceValues();
     datum_ = datum;
+    haveValuesChanged_ = false;
+}
+
+NmeaSentence& DecodedSentence::sentence() {
+    if (std::exchange(haveValuesChanged_, false)) Rewrite(*sentence_);
+    return *sentence_;
 }
 
 bool DecodedSentence::Valid() {
@@ -51,6 +57,11 @@ double NmeaRmc::Heading() {
 double NmeaRmc::MagneticVariation() {
     error().Clear();
     return values().movement.magneticVariationDegrees;
+}
+
+void NmeaRmc::SetSpeed(double speed, std::int32_t unit) {
+    error().Clear();
+    ChangeValues().movement.speedKnots = ConvertSpeed(speed, unit, kSpeedKnots);
 }
 
 }  // namespace kavrel

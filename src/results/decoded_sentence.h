@@ -1,5 +1,5 @@
-// What the objects of the GGA, GLL and RMC events have in common: the values of one sentence, and
-// the sentence. The values do not change when a client changes the sentence.
+// The objects of the GGA, GLL and RMC events: the values of one sentence, and the sentence. The
+// values do not change when a client changes the sentence.
 #pragma once
 
 #include <cstdint>
@@ -24,7 +24,8 @@ class DecodedSentence : public Record {
     // A new Position each time. Null when the sentence is of another type.
     Ref<Position> MakePosition();
 
-    NmeaSentence& sentence() const { return *sentence_; }
+    // The sentence; when the values were changed, written anew from them first.
+    NmeaSentence& sentence();
     const std::optional<NmeaTime>& time() const { return values_.utc; }
 
     // Gives the sentence to the caller. REQUIRES: nobody uses the object before the next Assign.
@@ -39,10 +40,19 @@ class DecodedSentence : public Record {
 
     const SentenceValues& values() const { return values_; }
 
+    // For setters: the values will differ from the sentence.
+    SentenceValues& ChangeValues() {
+        haveValuesChanged_ = true;
+        return values_;
+    }
+
   private:
+    virtual void Rewrite(NmeaSentence&) {}
+
     Ref<NmeaSentence> sentence_;
     SentenceValues values_;
     DatumId datum_ = kDatumWgs84;
+    bool haveValuesChanged_ = false;
 };
 
 // Each is made of a sentence, or of a sentence with its values where these are known already.
@@ -83,6 +93,12 @@ class NmeaRmc final : public DecodedSentenceOf<SentenceType::Rmc> {
     double GroundSpeed(std::int32_t unit);
     double Heading();            // degrees
     double MagneticVariation();  // degrees, east positive
+
+    // In a speed unit; an unknown one counts as knots. The sentence follows when it is next read.
+    void SetSpeed(double speed, std::int32_t unit);
+
+  private:
+    void Rewrite(NmeaSentence& sentence) override;
 };
 
 }  // namespace kavrel

@@ -26,6 +26,8 @@ class GpsFix final : public Record {
     // A new Position each time, so that whoever changes it never changes the fix. Null without one.
     Ref<Position> MakePosition();
 
+    Ref<GpsFix> Copy() const { return MakeRef<GpsFix>(fix_, datum_); }
+
     const std::optional<NmeaTime>& time() const { return fix_.utc; }
 
   private:

@@ -41,14 +41,22 @@ class FixText {
     GeneratedFix fix_;
 };
 
-}  // namespace
-
-Ref<NmeaSentence> RebuildSentence(NmeaRmc& rmc) {
+std::string TextOf(NmeaRmc& rmc) {
     const MovementValues movement{.speedKnots = rmc.GroundSpeed(kSpeedKnots),
                                   .headingDegrees = rmc.Heading(),
                                   .magneticVariationDegrees = rmc.MagneticVariation(),
                                   .isValid = rmc.Valid()};
-    return SentenceOf(GenerateRmc(FixText(rmc).fix(), movement));
+    return GenerateRmc(FixText(rmc).fix(), movement);
+}
+
+}  // namespace
+
+Ref<NmeaSentence> RebuildSentence(NmeaRmc& rmc) {
+    return SentenceOf(TextOf(rmc));
+}
+
+void NmeaRmc::Rewrite(NmeaSentence& sentence) {
+    sentence.SetText(TextOf(*this));
 }
 
 Ref<NmeaSentence> RebuildSentence(NmeaGll& gll) {

@@ -1,5 +1,6 @@
 #include "results/satellites.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace kavrel {
@@ -31,6 +32,15 @@ Ref<Satellite> Satellites::Item(std::int32_t index) {
         return nullptr;
     }
     return MakeItems()[static_cast<std::size_t>(index - 1)];
+}
+
+Ref<Satellite> Satellites::Find(std::int32_t prn) {
+    error().Clear();
+    const auto found =
+        std::find_if(picture_.begin(), picture_.end(),
+                     [prn](const SatelliteValues& satellite) { return satellite.prn == prn; });
+    if (found == picture_.end()) return nullptr;
+    return MakeItems()[static_cast<std::size_t>(found - picture_.begin())];
 }
 
 const Satellites::Items& Satellites::MakeItems() {

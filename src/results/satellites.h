@@ -36,7 +36,7 @@ class Satellite final : public Record {
 
 // The records of single satellites are made when the first of them is asked for, since most
 // pictures are only counted, and are the same ones from then on.
-// Thread safety: Item may be called from any thread.
+// Thread safety: Item and Find may be called from any thread.
 class Satellites final : public Record {
   public:
     explicit Satellites(std::span<const SatelliteValues> picture)
@@ -48,6 +48,9 @@ class Satellites final : public Record {
     // From 1, in the order in which they were first seen.
     // Errors: 10004 "Index out of bounds", with a null result.
     Ref<Satellite> Item(std::int32_t index);
+
+    // The first satellite with that number; null when there is none, which is no error.
+    Ref<Satellite> Find(std::int32_t prn);
 
   private:
     using Items = std::vector<Ref<Satellite>>;

@@ -97,6 +97,17 @@ TEST_F(FixBuilderTest, FixesNeverChange) {
     EXPECT_NEAR(fix->MakePosition()->Latitude(), 48.1173, 1e-12);
 }
 
+TEST_F(FixBuilderTest, CopiesAFix) {
+    Feed(kGga);
+    Ref<GpsFix> fix = Feed(kRmc);
+    const Ref<GpsFix> copy = fix->Copy();
+    fix->Assign({}, kDatumWgs84);
+    EXPECT_EQ(copy->FixType(), kFixWithAltitude);
+    EXPECT_NEAR(*copy->Utc(), 34416.524537037, 1e-9);
+    EXPECT_EQ(copy->MakePosition()->Altitude(0), 545.4);
+    EXPECT_FALSE(fix->Copy()->MakePosition());
+}
+
 TEST_F(FixBuilderTest, PositionsAreOnTheReceiversDatum) {
     const auto fix = MakeRef<GpsFix>(builder_.Build(DecodeValues(*MakeSentence(kRmc))), DatumId{5});
     EXPECT_EQ(fix->MakePosition()->Datum(), 5);

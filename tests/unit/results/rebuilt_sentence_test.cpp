@@ -7,6 +7,7 @@
 #include <string>
 
 #include "nmea/sentence_generation.h"
+#include "results/speed.h"
 #include "unit/results/results_text.h"
 
 namespace kavrel {
@@ -34,6 +35,26 @@ TEST(RebuildSentence, WritesOwnValues) {
     const MovementValues movement{10.0, 5.0, 6.5, true};
     EXPECT_EQ(RebuildSentence(*MakeRef<Movement>(movement))->Text(),
               Sentence("GPVTG,005.00,T,358.50,M,10.00,N,18.52,K"));
+}
+
+TEST(NmeaRmc, WritesItsSentenceAnewForAnotherSpeed) {
+    constexpr std::string_view kBefore =
+        "GPRMC,123519,A,4807.03800,N,01131.00000,E,22.40,084.40,230394,003.10,W";
+    const auto rmc = MakeRef<NmeaRmc>(MakeSentence(kBefore), kDatumWgs84);
+    const auto expectSpeed = [&rmc](double knots, const std::string& text) {
+        EXPECT_DOUBLE_EQ(rmc->GroundSpeed(0), knots);
+        EXPECT_EQ(rmc->sentence().Text(), Sentence("GPRMC,123519,A,4807.03800,N,01131.00000,E," +
+                                                   text + ",084.40,230394,003.10,W"));
+    };
+    expectSpeed(22.4, "22.40");
+    rmc->SetSpeed(10, kSpeedKilometresPerHour);
+    expectSpeed(10 * 0.539957879131999, "5.40");
+    rmc->SetSpeed(7, 9);
+    expectSpeed(7, "7.00");
+
+    // Once written, the sentence is anybody's to change.
+    rmc->sentence().SetField(7, "8");
+    expectSpeed(7, "8");
 }
 
 TEST(RebuildSentence, WithoutATimeTakesTheCurrentOne) {

@@ -44,6 +44,15 @@ TEST(Satellites, HasNoItemsOutside) {
     EXPECT_FALSE(MakeRef<Satellites>(std::vector<SatelliteValues>())->Item(1));
 }
 
+TEST(Satellites, FindsByNumber) {
+    const auto satellites = MakeRef<Satellites>(Picture());
+    EXPECT_TRUE(satellites->Find(7) == satellites->Item(1));
+    EXPECT_TRUE(satellites->Find(65536 + 9) == satellites->Item(2));
+    satellites->Item(0);
+    EXPECT_FALSE(satellites->Find(9));
+    EXPECT_FALSE(satellites->error().IsSet());
+}
+
 TEST(Satellites, GivesTheSameItemsToAll) {
     const std::int32_t liveBefore = Record::LiveCount();
     {
