@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <set>
 #include <string>
 #include <vector>
@@ -227,21 +228,40 @@ TEST_F(DispatchTest, CutsOfTheTextDoNotMatter) {
     std::string text;
     while (text.size() < 20'000)
         text += receiver.NextEpoch();
+    std::vector<std::string_view> lines;
+    for (std::string_view rest = text; !rest.empty(); rest.remove_prefix(lines.back().size()))
+        lines.push_back(rest.substr(0, std::min(rest.find('\n'), rest.size() - 1) + 1));
+    std::size_t longestLine = 0;
+    for (const std::string_view line : lines)
+        longestLine = std::max(longestLine, line.size());
 
-    const auto eventsOf = [this](std::string_view part, std::size_t cut) {
+    // Line by line, each in two pieces.
+    const auto eventsOfLinesCutAt = [&](std::size_t cut) {
         const auto parser = MakeRef<NmeaParser>();
         parser->SetEventSink(EventLog::SinkTo(log_));
-        parser->Parse(part.substr(0, cut));
-        for (std::size_t at = cut; at < part.size(); at += 101)
-            parser->Parse(part.substr(at, 101));
+        for (const std::string_view line : lines) {
+            parser->Parse(line.substr(0, cut));
+            parser->Parse(line.substr(std::min(cut, line.size())));
+        }
         return log_.Take();
     };
-    constexpr std::size_t kWindow = 400;
-    for (std::size_t begin = 0; begin < text.size(); begin += kWindow) {
-        const std::string_view part = std::string_view(text).substr(begin, 2 * kWindow);
-        const std::string expected = eventsOf(part, 0);
-        for (std::size_t cut = 1; cut < kWindow; ++cut)
-            ASSERT_EQ(eventsOf(part, cut), expected);
+    const std::string expected = eventsOfLinesCutAt(0);
+    ASSERT_GT(expected.size(), 5000u);
+    // Each position of the text is a cut once.
+    for (std::size_t cut = 1; cut < longestLine; ++cut)
+        ASSERT_EQ(eventsOfLinesCutAt(cut), expected) << cut;
+
+    const auto eventsOfPieces = [&](std::size_t size, std::size_t first) {
+        const auto parser = MakeRef<NmeaParser>();
+        parser->SetEventSink(EventLog::SinkTo(log_));
+        parser->Parse(std::string_view(text).substr(0, first));
+        for (std::size_t at = first; at < text.size(); at += size)
+            parser->Parse(std::string_view(text).substr(at, size));
+        return log_.Take();
+    };
+    for (const std::size_t size : {1u, 37u, 101u, 256u}) {
+        for (std::size_t first = 0; first < size; first += size / 32 + 1)
+            ASSERT_EQ(eventsOfPieces(size, first), expected) << size << ' ' << first;
     }
 }
 
