@@ -28,29 +28,31 @@ class NmeaSentenceObject final : public AutomationObject<INmeaSentence, NmeaSent
     explicit NmeaSentenceObject(Ref<NmeaSentence> record)
         : AutomationObject(kClass, std::move(record)) {}
 
-    STDMETHOD(get_Sentence)(VARIANT* result) override { return GetBy<&NmeaSentence::Text>(result); }
+    STDMETHOD(get_Sentence)(VARIANT* result) override {
+        return GetBy<&NmeaSentence::TextAsGiven>(result);
+    }
     STDMETHOD(put_Sentence)(VARIANT value) override {
-        return Do([&] { record().SetText(TextArgument(value).view()); });
+        return Do([&] { record().SetText(WideTextArgument(value).view()); });
     }
     STDMETHOD(Fields)(VARIANT index, VARIANT* result) override {
-        return Return(result, [&] { return record().Field(ToInt16(index)); });
+        return Return(result, [&] { return record().FieldAsGiven(ToInt16(index)); });
     }
     STDMETHOD(get_FieldsCount)(VARIANT* result) override {
         return GetBy<&NmeaSentence::FieldCount>(result);
     }
     STDMETHOD(get_Command)(VARIANT* result) override {
-        return GetBy<&NmeaSentence::Command>(result);
+        return GetBy<&NmeaSentence::CommandAsGiven>(result);
     }
     STDMETHOD(put_Command)(VARIANT value) override {
-        return Do([&] { record().SetCommand(TextArgument(value).view()); });
+        return Do([&] { record().SetCommand(WideTextArgument(value).view()); });
     }
     STDMETHOD(get_FullCommand)(VARIANT* result) override {
-        return GetBy<&NmeaSentence::FullCommand>(result);
+        return GetBy<&NmeaSentence::FullCommandAsGiven>(result);
     }
     // The same operation as Command: both take 3 or 5 characters.
     STDMETHOD(put_FullCommand)(VARIANT value) override { return put_Command(value); }
     STDMETHOD(SetField)(VARIANT index, VARIANT value) override {
-        return Do([&] { record().SetField(ToInt16(index), TextArgument(value).view()); });
+        return Do([&] { record().SetField(ToInt16(index), WideTextArgument(value).view()); });
     }
 };
 

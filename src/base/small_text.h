@@ -34,10 +34,10 @@ class SmallText {
     }
 
   private:
-    char* data_ = inline_.data();
-    std::size_t size_ = 0;
     std::unique_ptr<char[]> large_;
     std::array<char, Inline> inline_;
+    char* data_ = inline_.data();
+    std::size_t size_ = 0;
 };
 
 }  // namespace kavrel

@@ -137,6 +137,15 @@ TextArgument::TextArgument(const VARIANT& argument) {
     isAbsent_ = V_VT(value.get()) == VT_BSTR && V_BSTR(value.get()) == nullptr;
 }
 
+WideTextArgument::WideTextArgument(const VARIANT& argument) {
+    const Coerced value(argument, VT_BSTR);
+    const BSTR text = V_VT(value.get()) == VT_BSTR ? V_BSTR(value.get()) : nullptr;
+    if (text != nullptr) wide_.assign(text, text + SysStringLen(text));
+    narrow_ = Narrowed(wide_);
+    if (!NeedsWide(wide_)) wide_.clear();
+    isAbsent_ = V_VT(value.get()) == VT_BSTR && text == nullptr;
+}
+
 bool IsText(const VARIANT& argument) {
     return (V_VT(&Referenced(argument)) & ~VT_BYREF) == VT_BSTR;
 }

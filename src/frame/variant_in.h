@@ -13,6 +13,7 @@
 
 #include "base/byte_block.h"
 #include "base/record.h"
+#include "base/text_view.h"
 
 namespace kavrel {
 
@@ -38,7 +39,7 @@ Parameter ToParameterOf(void (Class::*)(Parameter), const VARIANT& argument) {
     }
 }
 
-// A text argument, each 16-bit character cut to its low 8 bits: the engine's text is 8-bit.
+// A text argument, each 16-bit character cut to its low 8 bits, as bytes of a receiver are.
 class TextArgument {
   public:
     explicit TextArgument(const VARIANT& argument);
@@ -48,6 +49,20 @@ class TextArgument {
 
   private:
     std::string text_;
+    bool isAbsent_;
+};
+
+// A text argument with all 16 bits of its characters.
+class WideTextArgument {
+  public:
+    explicit WideTextArgument(const VARIANT& argument);
+
+    // A null string, unlike an empty one, gives a view without data.
+    TextView view() const { return isAbsent_ ? TextView() : TextView(narrow_, wide_); }
+
+  private:
+    std::u16string wide_;
+    std::string narrow_;
     bool isAbsent_;
 };
 

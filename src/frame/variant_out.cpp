@@ -91,6 +91,16 @@ void SetVariant(VARIANT& out, std::string_view text) {
     V_BSTR(&out) = Widened(text.data(), text.size());
 }
 
+void SetVariantToWideText(VARIANT& out, const TextView& text) {
+    if (text.wide.empty()) {
+        SetVariant(out, text.narrow);
+        return;
+    }
+    Begin(out, VT_BSTR);
+    V_BSTR(&out) = SysAllocStringLen(nullptr, static_cast<UINT>(text.wide.size()));
+    if (V_BSTR(&out) != nullptr) std::copy(text.wide.begin(), text.wide.end(), V_BSTR(&out));
+}
+
 void SetVariant(VARIANT& out, ComRef<IDispatch> object) {
     Begin(out, VT_DISPATCH);
     V_DISPATCH(&out) = object.Detach();

@@ -9,6 +9,7 @@
 #include <span>
 #include <string_view>
 
+#include "base/text_view.h"
 #include "frame/com_ref.h"
 
 namespace kavrel {
@@ -33,6 +34,12 @@ void SetVariantToDate(VARIANT& out, std::optional<double> date);
 
 // A new string of the text's characters, each 8-bit character widened to one of 16 bits.
 void SetVariant(VARIANT& out, std::string_view text);
+
+// The same with all 16 bits of the characters. Nothing but a TextView: other texts convert to it.
+void SetVariantToWideText(VARIANT& out, const TextView& text);
+void SetVariant(VARIANT& out, const std::same_as<TextView> auto& text) {
+    SetVariantToWideText(out, text);
+}
 
 // An object; null gives a dispatch variant with a null object.
 void SetVariant(VARIANT& out, ComRef<IDispatch> object);

@@ -1,6 +1,7 @@
 #include "nmea/field_list.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace kavrel {
 namespace {
@@ -11,19 +12,27 @@ constexpr auto kIsBefore = [](const auto& entry, std::int32_t number) {
 
 }  // namespace
 
-std::string_view FieldList::Find(std::int32_t number) const {
+TextView FieldList::Find(std::int32_t number) const {
     const auto at = std::lower_bound(entries_.begin(), entries_.end(), number, kIsBefore);
     if (at == entries_.end() || at->number != number) return {};
-    return at->text;
+    return {at->text, at->wideText};
 }
 
-void FieldList::Set(std::int32_t number, std::string_view text) {
+void FieldList::Set(std::int32_t number, const TextView& text) {
+    // Made first: the text may be one of the list.
+    Entry entry{.number = number, .text = std::string(text.narrow), .wideText = {}};
+    if (NeedsWide(text.wide)) entry.wideText = text.wide;
     const auto at = std::lower_bound(entries_.begin(), entries_.end(), number, kIsBefore);
     if (at != entries_.end() && at->number == number) {
-        at->text = text;
+        *at = std::move(entry);
     } else {
-        entries_.insert(at, Entry{number, std::string(text)});
+        entries_.insert(at, std::move(entry));
     }
+}
+
+bool FieldList::HasWideText() const {
+    return std::any_of(entries_.begin(), entries_.end(),
+                       [](const Entry& entry) { return !entry.wideText.empty(); });
 }
 
 }  // namespace kavrel

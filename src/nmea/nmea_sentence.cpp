@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <utility>
 
 #include "nmea/checksum.h"
 
@@ -12,21 +13,26 @@ namespace {
 // "$" and five characters of talker and formatter.
 constexpr std::size_t kAddressLength = 6;
 
-// Collects a rebuilt text; what lies beyond the limit is cut off.
+// What a rebuilt text has room for; what lies beyond is cut off.
+constexpr std::size_t kTextCapacity = 255;
+
+constexpr bool HasRoomForChecksum(std::size_t textSize) {
+    return textSize + 2 < kTextCapacity;
+}
+
+// Collects a rebuilt text.
 class TextBuilder {
   public:
-    static constexpr std::size_t kCapacity = 255;
-
     void Append(std::string_view text) {
-        const std::size_t length = std::min(text.size(), kCapacity - size_);
+        const std::size_t length = std::min(text.size(), kTextCapacity - size_);
         std::copy_n(text.begin(), length, buffer_.begin() + size_);
         size_ += length;
     }
-    bool IsFull() const { return size_ == kCapacity; }
+    bool IsFull() const { return size_ == kTextCapacity; }
     std::string_view text() const { return {buffer_.data(), size_}; }
 
   private:
-    std::array<char, kCapacity> buffer_;
+    std::array<char, kTextCapacity> buffer_;
     std::size_t size_ = 0;
 };
 
@@ -54,7 +60,7 @@ void ForEachComma(std::string_view text, const F& found) {
 }
 
 void AppendChecksum(TextBuilder& builder) {
-    if (builder.text().size() + 2 >= TextBuilder::kCapacity) return;
+    if (!HasRoomForChecksum(builder.text().size())) return;
     Checksum checksum;
     for (const char c : builder.text().substr(1))
         checksum.Add(c);
@@ -80,8 +86,22 @@ std::string_view NmeaSentence::TextWithLineEnd() {
     return textWithLineEnd_;
 }
 
+TextView NmeaSentence::TextAsGiven() {
+    const std::string_view text = Text();
+    return {text, wide_ != nullptr ? std::u16string_view(wide_->text) : std::u16string_view()};
+}
+
+void NmeaSentence::SetText(const TextView& text) {
+    SetText(text.narrow, text.narrow.find('*'));
+    if (!hasCommand_ || !NeedsWide(text.wide)) return;
+    wide_ = std::make_unique<WideForm>();
+    wide_->text = text.wide;
+    wide_->fullCommand = text.wide.substr(1, fullCommand_.size());
+}
+
 void NmeaSentence::SetText(std::string_view text, std::size_t star) {
     error().Clear();
+    wide_.reset();
     textWithLineEnd_.clear();
     editedFields_.reset();
     ++changeCount_;
@@ -115,17 +135,34 @@ void NmeaSentence::FindCommas(std::size_t star) {
 }
 
 std::string_view NmeaSentence::Field(std::int32_t index) {
+    return FieldAsGiven(index).narrow;
+}
+
+TextView NmeaSentence::FieldAsGiven(std::int32_t index) {
     error().Clear();
     const std::int32_t number = ((index & 0xFF) ^ 0x80) - 0x80;  // the low 8 bits, signed
     if (number < 1 || number > fieldCount_) {
         error().Set(kErrorIndexOutOfBounds, Message::IndexOutOfBounds);
         return {};
     }
-    return FieldOrEmpty(number);
+    return FindFieldAsGiven(number);
 }
 
 std::string_view NmeaSentence::FindField(std::int32_t number) const {
-    return editedFields_ != nullptr ? editedFields_->Find(number) : FieldInText(number);
+    return editedFields_ != nullptr ? editedFields_->Find(number).narrow : FieldInText(number);
+}
+
+TextView NmeaSentence::FindFieldAsGiven(std::int32_t number) const {
+    if (editedFields_ != nullptr) return editedFields_->Find(number);
+    const std::string_view field = FieldInText(number);
+    if (wide_ == nullptr || field.empty()) return field;
+    const auto begin = static_cast<std::size_t>(field.data() - text_.data());
+    return {field, std::u16string_view(wide_->text).substr(begin, field.size())};
+}
+
+TextView NmeaSentence::FullCommandAsGiven() const {
+    if (wide_ == nullptr) return FullCommand();
+    return {FullCommand(), wide_->fullCommand};
 }
 
 std::string_view NmeaSentence::FieldInText(std::int32_t number) const {
@@ -153,7 +190,7 @@ FieldList& NmeaSentence::EditFields() {
     if (editedFields_ == nullptr) {
         auto fields = std::make_unique<FieldList>();
         for (std::int32_t number = 1; number <= fieldCount_; ++number) {
-            fields->Set(number, FieldInText(number));
+            fields->Set(number, FindFieldAsGiven(number));
         }
         editedFields_ = std::move(fields);
         plainFields_ = 0;
@@ -163,32 +200,50 @@ FieldList& NmeaSentence::EditFields() {
     return *editedFields_;
 }
 
-void NmeaSentence::SetField(std::int32_t number, std::string_view value) {
+void NmeaSentence::SetField(std::int32_t number, const TextView& value) {
     error().Clear();
     EditFields().Set(number, value);
     fieldCount_ = std::max(fieldCount_, number);
 }
 
-void NmeaSentence::SetCommand(std::string_view command) {
+void NmeaSentence::SetCommand(const TextView& command) {
     error().Clear();
-    if (command.data() == nullptr) {
+    if (command.narrow.data() == nullptr) {
         error().Set(kErrorInvalidArgument, Message::NullCommand);
         return;
     }
     constexpr std::string_view kDefaultTalker = "GP";
-    if (command.size() == 3) {
-        std::copy(kDefaultTalker.begin(), kDefaultTalker.end(), fullCommand_.begin());
-    } else if (command.size() != fullCommand_.size()) {
+    const std::size_t length = command.narrow.size();
+    if (length != 3 && length != fullCommand_.size()) {
         error().Set(kErrorInvalidArgument, Message::CommandLength);
         return;
     }
     EditFields();
-    std::copy_backward(command.begin(), command.end(), fullCommand_.end());
+    std::u16string wide;
+    if (NeedsWide(command.wide)) {
+        if (length == 3) AppendWide(wide, kDefaultTalker);
+        AppendWide(wide, command);
+    }
+    if (wide_ == nullptr && !wide.empty()) wide_ = std::make_unique<WideForm>();
+    if (wide_ != nullptr) wide_->fullCommand = std::move(wide);
+    if (length == 3) std::copy(kDefaultTalker.begin(), kDefaultTalker.end(), fullCommand_.begin());
+    std::copy_backward(command.narrow.begin(), command.narrow.end(), fullCommand_.end());
     hasCommand_ = true;
     type_ = SentenceTypeOf(Command());
 }
 
+bool NmeaSentence::HasWidePart() const {
+    return (wide_ != nullptr && !wide_->fullCommand.empty()) || editedFields_->HasWideText();
+}
+
 void NmeaSentence::Rebuild() {
+    textWithLineEnd_.clear();
+    isDirty_ = false;
+    if (HasWidePart()) {
+        RebuildWide();
+        return;
+    }
+    wide_.reset();
     TextBuilder builder;
     builder.Append("$");
     builder.Append(FullCommand());
@@ -198,8 +253,28 @@ void NmeaSentence::Rebuild() {
     }
     AppendChecksum(builder);
     text_.Assign(builder.text());
-    textWithLineEnd_.clear();
-    isDirty_ = false;
+}
+
+// The same text from 16-bit characters, of which the checksum takes the low 8 bits.
+void NmeaSentence::RebuildWide() {
+    std::u16string text = u"$";
+    AppendWide(text, FullCommandAsGiven());
+    for (std::int32_t number = 1; number <= fieldCount_ && text.size() < kTextCapacity; ++number) {
+        text.push_back(u',');
+        AppendWide(text, FindFieldAsGiven(number));
+    }
+    text.resize(std::min(text.size(), kTextCapacity));
+    if (HasRoomForChecksum(text.size())) {
+        Checksum checksum;
+        for (const char16_t c : std::u16string_view(text).substr(1))
+            checksum.Add(static_cast<char>(c & 0xFF));
+        const std::array<char, 2> digits = checksum.Digits();
+        text.push_back(u'*');
+        AppendWide(text, std::string_view(digits.data(), digits.size()));
+    }
+    text_.Assign(Narrowed(text));
+    if (wide_ == nullptr) wide_ = std::make_unique<WideForm>();
+    wide_->text = std::move(text);
 }
 
 }  // namespace kavrel

@@ -1,8 +1,10 @@
 // NmeaSentence: one sentence, as text and as numbered fields. Either side can be changed, and the
 // text is rebuilt with a fresh checksum when it is next read.
 //
-// Text is 8-bit, as NMEA 0183 is. The text stands without CR LF. Fields are numbered from 1 by the
-// comma that opens them, so the address ("GPGGA") is no field and the checksum belongs to none.
+// Text is 8-bit, as NMEA 0183 is. What a host gave with characters of more bits comes back as it
+// was by the members ...AsGiven; the others have substitutes there. The text stands without CR LF.
+// Fields are numbered from 1 by the comma that opens them, so the address ("GPGGA") is no field and
+// the checksum belongs to none.
 //
 // Thread safety: none. A sentence is shared by the engine and the receivers of its events; who
 // changes it changes what the others see.
@@ -17,6 +19,7 @@
 
 #include "base/record.h"
 #include "base/small_text.h"
+#include "base/text_view.h"
 #include "nmea/field_list.h"
 #include "nmea/sentence_type.h"
 #include "nmea/talker.h"
@@ -34,20 +37,25 @@ class NmeaSentence final : public Record {
     // The text, rebuilt first if command or fields were changed; empty for an empty sentence.
     std::string_view Text();
 
+    TextView TextAsGiven();
+
     // The text followed by CR LF, as it is written to a receiver.
     std::string_view TextWithLineEnd();
 
     // Replaces everything. A text of less than 6 characters leaves the sentence empty; the first
     // character is taken for the "$" unseen.
-    void SetText(std::string_view text) { SetText(text, text.find('*')); }
+    void SetText(const TextView& text);
 
-    // The same for a caller who knows where the first "*" is; npos when there is none.
+    // The same, with 8-bit characters only, for a caller who knows where the first "*" is; npos
+    // when there is none.
     void SetText(std::string_view text, std::size_t star);
 
     // The text of field `index`, which is first cut to a signed 8-bit number: 257 reads field 1.
     // Empty when no such field is stored.
     // Errors: 10004 "Index out of bounds" outside 1..FieldCount().
     std::string_view Field(std::int32_t index);
+
+    TextView FieldAsGiven(std::int32_t index);
 
     // The same for decoders: any number, and empty instead of an error.
     std::string_view FieldOrEmpty(std::int32_t number) const {
@@ -61,7 +69,7 @@ class NmeaSentence final : public Record {
     std::int32_t FieldCount() const { return fieldCount_; }
 
     // Sets or replaces one field. Any number is stored; those below 1 never get into the text.
-    void SetField(std::int32_t number, std::string_view value);
+    void SetField(std::int32_t number, const TextView& value);
 
     // The three-character sentence formatter ("GGA"); empty when there is none.
     std::string_view Command() const { return FullCommand().substr(hasCommand_ ? 2 : 0); }
@@ -70,6 +78,9 @@ class NmeaSentence final : public Record {
     std::string_view FullCommand() const {
         return {fullCommand_.data(), hasCommand_ ? fullCommand_.size() : 0};
     }
+
+    TextView CommandAsGiven() const { return FullCommandAsGiven().substr(hasCommand_ ? 2 : 0); }
+    TextView FullCommandAsGiven() const;
 
     // The two letters before the formatter; zeros when there is none.
     Talker TalkerId() const {
@@ -80,7 +91,7 @@ class NmeaSentence final : public Record {
     // Sets both: 3 characters get the talker "GP", 5 are taken as they are.
     // Errors, with nothing changed: 10003 "Null command not allowed" for a view without data,
     // 10003 "Command must be 3 or 5 characters long".
-    void SetCommand(std::string_view command);
+    void SetCommand(const TextView& command);
 
     SentenceType Type() const { return type_; }
 
@@ -92,11 +103,20 @@ class NmeaSentence final : public Record {
     static constexpr std::size_t kKnownCommas = 24;
     static constexpr std::size_t kInlineTextSize = 96;
 
+    // What does not fit into 8 bits. Each text is whole, or empty while its 8-bit form is enough.
+    struct WideForm {
+        std::u16string text;
+        std::u16string fullCommand;
+    };
+
     void FindCommas(std::size_t star);
     std::string_view FindField(std::int32_t number) const;
+    TextView FindFieldAsGiven(std::int32_t number) const;
     std::string_view FieldInText(std::int32_t number) const;
     FieldList& EditFields();
+    bool HasWidePart() const;
     void Rebuild();
+    void RebuildWide();
 
     SmallText<kInlineTextSize> text_;
     std::array<std::uint32_t, kKnownCommas + 1> commas_;  // one more for the end of the last field
@@ -112,6 +132,7 @@ class NmeaSentence final : public Record {
     std::int32_t fieldCount_ = 0;
     std::unique_ptr<FieldList> editedFields_;  // null while the fields are those of the text
     std::string textWithLineEnd_;              // empty until asked for
+    std::unique_ptr<WideForm> wide_;           // null for nearly every sentence
 };
 
 }  // namespace kavrel

@@ -124,6 +124,29 @@ TEST_F(SentenceTest, EmbeddedZerosAreCharacters) {
     EXPECT_EQ(std::wstring(L"$GPXXX,a\0b,b", 12), Text().substr(0, 12));
 }
 
+// U+012C, cut to 8 bits, would be a comma.
+TEST_F(SentenceTest, CharactersKeepAllTheirBits) {
+    const std::wstring text =
+        L"$G\x141XXX,a\x12C"
+        L"b,\xE9*00";
+    PutText(Var(text));
+    EXPECT_EQ(text, Text());
+    EXPECT_EQ("I4 2", Read(L"FieldsCount"));
+    EXPECT_EQ(
+        L"a\x12C"
+        L"b",
+        Call(sentence(), L"Fields", {1}).value.text());
+    EXPECT_EQ(L"\xE9", Call(sentence(), L"Fields", {2}).value.text());
+    EXPECT_EQ(L"G\x141XXX", Get(sentence(), L"FullCommand").value.text());
+
+    SetField(2, Var(std::wstring(L"\x20AC")));
+    EXPECT_EQ(S_OK, Put(sentence(), L"Command", L"Y\x142Y").status);
+    EXPECT_EQ(L"Y\x142Y", Get(sentence(), L"Command").value.text());
+    EXPECT_EQ(Finished(L"$GPY\x142Y,a\x12C"
+                       L"b,\x20AC"),
+              Text() + L"\r\n");
+}
+
 TEST_F(SentenceTest, CommandsSetTalkerAndFormatter) {
     const struct {
         const wchar_t* member;

@@ -171,6 +171,22 @@ TEST_F(VariantTest, TextIsCutToEightBits) {
     EXPECT_EQ(nullptr, TextArgument(*Var::Of(VT_BSTR).get()).view().data());
 }
 
+TEST_F(VariantTest, TextOfSentencesKeepsAllBits) {
+    const WideTextArgument wide(*Var(L"\x41\x142").get());
+    EXPECT_EQ("A\x1A", wide.view().narrow);
+    EXPECT_EQ(u"A\x142", wide.view().wide);
+    const WideTextArgument narrow(*Var(L"\xE9").get());
+    EXPECT_EQ("\xE9", narrow.view().narrow);
+    EXPECT_TRUE(narrow.view().wide.empty());
+    EXPECT_NE(nullptr, WideTextArgument(*Var(L"").get()).view().narrow.data());
+    EXPECT_EQ(nullptr, WideTextArgument(*Var::Of(VT_BSTR).get()).view().narrow.data());
+    Var out;
+    SetVariant(*out.get(), wide.view());
+    EXPECT_EQ(L"A\x142", out.text());
+    SetVariant(*out.get(), narrow.view());
+    EXPECT_EQ(L"\xE9", out.text());
+}
+
 TEST_F(VariantTest, StringsGiveBytes) {
     EXPECT_EQ((std::vector<std::uint8_t>{0x41, 0x42}),
               BytesFromString(*Var(L"\x41\x142").get())->bytes());

@@ -104,7 +104,7 @@ std::wstring Finished(const std::wstring& text) {
     for (const wchar_t c : text.substr(1))
         sum ^= c;
     constexpr const wchar_t* kDigits = L"0123456789ABCDEF";
-    return text + L'*' + kDigits[sum >> 4] + kDigits[sum & 15] + L"\r\n";
+    return text + L'*' + kDigits[sum >> 4 & 15] + kDigits[sum & 15] + L"\r\n";
 }
 
 }  // namespace kavrel::tests

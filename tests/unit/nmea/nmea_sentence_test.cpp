@@ -363,5 +363,90 @@ TEST_F(NmeaSentenceTest, AgreesWithTheRules) {
     }
 }
 
+// Characters of more than 8 bits, in texts as a host gives them. U+012C and U+0124 would be a comma
+// and a dollar if they were cut.
+class WideSentenceTest : public NmeaSentenceTest {
+  protected:
+    static std::u16string Wide(const TextView& text) {
+        EXPECT_TRUE(text.wide.empty() || text.wide.size() == text.narrow.size());
+        std::u16string wide;
+        AppendWide(wide, text);
+        return wide;
+    }
+    void SetText(std::u16string_view text) { sentence_->SetText({Narrowed(text), text}); }
+    void SetField(std::int32_t number, std::u16string_view text) {
+        sentence_->SetField(number, {Narrowed(text), text});
+    }
+    void SetCommand(std::u16string_view text) { sentence_->SetCommand({Narrowed(text), text}); }
+
+    // By hand: the exclusive-or of all characters behind the "$", of which the low 8 bits are kept.
+    static std::u16string Finished(std::u16string text) {
+        unsigned sum = 0;
+        for (const char16_t c : text.substr(1))
+            sum ^= c;
+        constexpr const char16_t* kDigits = u"0123456789ABCDEF";
+        return text + u'*' + kDigits[sum >> 4 & 15] + kDigits[sum & 15];
+    }
+};
+
+TEST_F(WideSentenceTest, GivesBackWhatItWasGiven) {
+    const std::u16string text = u"$G\u0141GGA,a\u012Cb,\u0124,z*00";
+    SetText(text);
+    EXPECT_EQ(Wide(sentence_->TextAsGiven()), text);
+    EXPECT_EQ(sentence_->Text(),
+              "$G\x1AGGA,a\x1A"
+              "b,\x1A,z*00");
+    EXPECT_EQ(sentence_->FieldCount(), 3);
+    EXPECT_EQ(Wide(sentence_->FieldAsGiven(1)), u"a\u012Cb");
+    EXPECT_EQ(Wide(sentence_->FieldAsGiven(2)), u"\u0124");
+    EXPECT_EQ(Wide(sentence_->FieldAsGiven(3)), u"z");
+    EXPECT_EQ(Wide(sentence_->FullCommandAsGiven()), u"G\u0141GGA");
+    EXPECT_EQ(Wide(sentence_->CommandAsGiven()), u"GGA");
+    EXPECT_EQ(sentence_->Type(), SentenceType::Gga);
+    EXPECT_EQ(Wide(sentence_->FieldAsGiven(4)), u"");
+    ExpectError(10004, "Index out of bounds");
+
+    SetText(u"$\u0141GGA");
+    EXPECT_EQ(Wide(sentence_->TextAsGiven()), u"") << "too short";
+    sentence_->SetText("$GPGGA,\xE9");
+    EXPECT_TRUE(sentence_->TextAsGiven().wide.empty());
+    EXPECT_EQ(Wide(sentence_->FieldAsGiven(1)), u"\u00E9");
+    EXPECT_EQ(Wide(sentence_->FullCommandAsGiven()), u"GPGGA");
+}
+
+TEST_F(WideSentenceTest, RebuildsWithAllBits) {
+    SetText(u"$GPGGA,a\u012C,b*00");
+    SetField(3, u"\u0141\u0142");
+    EXPECT_EQ(Wide(sentence_->TextAsGiven()), Finished(u"$GPGGA,a\u012C,b,\u0141\u0142"));
+    EXPECT_EQ(sentence_->TextWithLineEnd().substr(0, 9), "$GPGGA,a\x1A");
+    EXPECT_EQ(Wide(sentence_->FieldAsGiven(1)), u"a\u012C");
+    SetCommand(u"R\u0141C");
+    EXPECT_EQ(Wide(sentence_->FullCommandAsGiven()), u"GPR\u0141C");
+    EXPECT_EQ(Wide(sentence_->CommandAsGiven()), u"R\u0141C");
+    EXPECT_EQ(Wide(sentence_->TextAsGiven()), Finished(u"$GPR\u0141C,a\u012C,b,\u0141\u0142"));
+
+    // Back to 8 bits, part by part.
+    sentence_->SetCommand("RMC");
+    EXPECT_EQ(Wide(sentence_->FullCommandAsGiven()), u"GPRMC");
+    SetField(1, u"a");
+    SetField(3, u"");
+    EXPECT_EQ(sentence_->Text(), Sentence("GPRMC,a,b,"));
+    EXPECT_TRUE(sentence_->TextAsGiven().wide.empty());
+}
+
+TEST_F(WideSentenceTest, LengthsCountCharacters) {
+    sentence_->SetText("$GPXXX,");
+    for (const std::size_t length : {245u, 246u, 248u, 300u}) {
+        const std::u16string field(length, u'\u0141');
+        SetField(1, field);
+        const std::u16string whole = u"$GPXXX," + field;
+        EXPECT_EQ(Wide(sentence_->TextAsGiven()),
+                  length == 245 ? Finished(whole) : whole.substr(0, 255));
+        EXPECT_EQ(Wide(sentence_->FieldAsGiven(1)), field);
+    }
+    SetCommand(u"\u0141\u0141");
+    ExpectError(10003, "Command must be 3 or 5 characters long");
+}
+
 }  // namespace
 }  // namespace kavrel
