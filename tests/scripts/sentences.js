@@ -37,6 +37,16 @@ try {
 }
 same("number", number, 0x80042714);
 
+// All 16 bits of a character come back. Cut to 8, \u012C would be a comma.
+kept.Sentence = "$GPXXX,\u012C";
+same("wide text", kept.Sentence, "$GPXXX,\u012C");
+same("no comma", kept.FieldsCount, 1);
+kept.SetField(1, "\u0141z");
+same("wide field", kept.Fields(1), "\u0141z");
+same("rebuilt wide text", kept.Sentence.substr(0, 9), "$GPXXX,\u0141z");
+kept.SetField(1, "1");
+kept.SetField(3, "three");
+
 // The sentence outlives the parser.
 log = "";
 WScript.DisconnectObject(parser);

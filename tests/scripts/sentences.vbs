@@ -29,12 +29,6 @@ Same "full command", kept.Command, "RME"
 kept.Sentence = "$GPGGA,,,"
 Same "replaced", kept.FieldsCount, 3
 Same "empty field", kept.Fields(3), ""
-kept.SetField 2, ChrW(321) & "z"
-Same "wide field", kept.Fields(2), ChrW(321) & "z"
-Same "wide text", Left(kept.Sentence, 10), "$GPGGA,," & ChrW(321) & "z"
-kept.Sentence = "$GPGGA," & ChrW(300)
-Same "wide text kept", kept.Sentence, "$GPGGA," & ChrW(300)
-Same "no comma", kept.FieldsCount, 1
 kept.Sentence = "$GPGG"
 Same "too short", kept.FieldsCount, 0
 Same "index as text", FieldOf("$GPXXX,one,two", "2"), "two"
