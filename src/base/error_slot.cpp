@@ -6,7 +6,8 @@ namespace kavrel {
 
 std::string_view ErrorSlot::text() const {
     if (code_ == kNoError) return {};
-    return ownText_ != nullptr ? std::string_view(*ownText_) : MessageText(message_);
+    if (ownText_ != nullptr) return *ownText_;
+    return MessageText(message_);
 }
 
 void ErrorSlot::Set(ErrorCode code, Message message) {
@@ -27,7 +28,7 @@ void ErrorSlot::CopyFrom(const ErrorSlot* source) {
     if (source == nullptr) {
         Set(kErrorNullCopySource, Message::NullCopySource);
     } else if (source->ownText_ != nullptr) {
-        Set(source->code_, std::string_view(*source->ownText_));
+        Set(source->code_, source->text());
     } else {
         Set(source->code_, source->message_);
     }

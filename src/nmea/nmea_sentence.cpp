@@ -88,7 +88,8 @@ std::string_view NmeaSentence::TextWithLineEnd() {
 
 TextView NmeaSentence::TextAsGiven() {
     const std::string_view text = Text();
-    return {text, wide_ != nullptr ? std::u16string_view(wide_->text) : std::u16string_view()};
+    if (wide_ == nullptr) return text;
+    return {text, wide_->text};
 }
 
 void NmeaSentence::SetText(const TextView& text) {
@@ -157,7 +158,8 @@ TextView NmeaSentence::FindFieldAsGiven(std::int32_t number) const {
     const std::string_view field = FieldInText(number);
     if (wide_ == nullptr || field.empty()) return field;
     const auto begin = static_cast<std::size_t>(field.data() - text_.data());
-    return {field, std::u16string_view(wide_->text).substr(begin, field.size())};
+    const std::u16string_view text = wide_->text;
+    return {field, text.substr(begin, field.size())};
 }
 
 TextView NmeaSentence::FullCommandAsGiven() const {
@@ -266,8 +268,8 @@ void NmeaSentence::RebuildWide() {
     text.resize(std::min(text.size(), kTextCapacity));
     if (HasRoomForChecksum(text.size())) {
         Checksum checksum;
-        for (const char16_t c : std::u16string_view(text).substr(1))
-            checksum.Add(static_cast<char>(c & 0xFF));
+        for (std::size_t i = 1; i < text.size(); ++i)
+            checksum.Add(static_cast<char>(text[i] & 0xFF));
         const std::array<char, 2> digits = checksum.Digits();
         text.push_back(u'*');
         AppendWide(text, std::string_view(digits.data(), digits.size()));

@@ -215,6 +215,7 @@ void NmeaParser::Hand(IntervalSlot slot, const Turn& turn, SnapshotSlot<T>& snap
         object = snapshots.Publish(std::move(object), level);
     } else if (isQueued_) {
         queue_->Put(code, std::move(object));
+        return;
     } else if (turn.handler) {
         Call(turn.handler, event, *object);
     }
