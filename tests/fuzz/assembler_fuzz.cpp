@@ -2,6 +2,7 @@
 // the rules in their plainest form.
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "fuzz/check.h"
 #include "fuzz/input.h"
@@ -65,6 +66,7 @@ class Session {
         const std::optional<std::string> expected = referenceAssembler_.Next();
         Check(assembler_.HasSentence() == expected.has_value());
         if (!expected) return;
+        assembler_.GiveBack(std::move(sentence_));  // with whatever was done to it
         sentence_ = assembler_.TakeSentence();
         reference_.SetText(*expected);
         CompareTexts();
