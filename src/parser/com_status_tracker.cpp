@@ -11,8 +11,10 @@ bool ComStatusTracker::NoteFix(bool isValid, std::uint32_t tickMs) {
 
 bool ComStatusTracker::ExpireFix(std::uint32_t tickMs) {
     if (!lastValidFixTickMs_.has_value()) return false;
-    // Unsigned, so that it holds when the tick count wraps.
-    if (tickMs - *lastValidFixTickMs_ < kFixLifetimeMs) return false;
+    // It holds when the tick count wraps, and for a fix that another thread has noted since the
+    // caller looked at the clock.
+    const auto ageMs = static_cast<std::int32_t>(tickMs - *lastValidFixTickMs_);
+    if (ageMs < kFixLifetimeMs) return false;
     lastValidFixTickMs_.reset();
     values_.hasValidFix = false;
     return true;

@@ -13,7 +13,7 @@ namespace kavrel {
 class ComStatusTracker {
   public:
     // A fix without another one behind it counts for so long.
-    static constexpr std::uint32_t kFixLifetimeMs = 5000;
+    static constexpr std::int32_t kFixLifetimeMs = 5000;
 
     const ComStatusValues& values() const { return values_; }
 

@@ -147,6 +147,7 @@ TEST(ComStatusTracker, FixesExpire) {
     constexpr std::uint32_t kStart = 0xFFFFF000;
     EXPECT_TRUE(tracker.NoteFix(true, kStart));
     EXPECT_FALSE(tracker.NoteFix(true, kStart + 10));
+    EXPECT_FALSE(tracker.ExpireFix(kStart + 9));  // looked at the clock before the fix was made
     EXPECT_FALSE(tracker.ExpireFix(kStart + 10 + 4999));
     EXPECT_TRUE(tracker.values().hasValidFix);
     EXPECT_TRUE(tracker.ExpireFix(kStart + 10 + 5000));
