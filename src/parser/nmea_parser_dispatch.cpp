@@ -146,7 +146,7 @@ void NmeaParser::UpdateFix(const SentenceValues& values) {
 
     // An event that is switched off still keeps the clock of the others going.
     clock_.SetNow(fix.utc);
-    const Turn turn = TakeTurn(IntervalSlot::GpsFix);
+    Turn turn = TakeTurn(IntervalSlot::GpsFix);
     bool hasStatusChanged;
     ComStatusValues status;
     {
@@ -154,7 +154,12 @@ void NmeaParser::UpdateFix(const SentenceValues& values) {
         hasStatusChanged = comStatus_.NoteFix(isValid, nowMs);
         status = comStatus_.values();
     }
-    if (hasStatusChanged) RaiseComStatus(status);
+    if (hasStatusChanged) {
+        RaiseComStatus(status);
+        // Whose receiver may have chosen other events, or none.
+        turn.isPublished = noEvents_;
+        turn.handler = HandlerOf(ParserEvent::GpsFix);
+    }
     if (!turn.isPublished && !turn.isRaised) return;
     Hand(IntervalSlot::GpsFix, turn, fixes_, spares_.fix, spares_.fix.Make(fix, gpsDatum_.load()),
          fix.type);

@@ -94,6 +94,33 @@ TEST_F(DispatchTest, ClientsMayChangeTheSentence) {
     EXPECT_EQ(FeedGga("120000"), "Status+ Fix3@235959 Generic:GGA");
 }
 
+// The receiver of a com status may want no fix any more, though one is about to be raised.
+TEST_F(DispatchTest, ComStatusHandlerMayEndTheFixEvent) {
+    struct Leaver {
+        NmeaParser& parser;
+        bool asksInstead;
+        int fixes = 0;
+
+        static void OnEvent(void* context, ParserEvent event, Record&) {
+            auto& self = *static_cast<Leaver*>(context);
+            if (event == ParserEvent::GpsFix) ++self.fixes;
+            if (event != ParserEvent::ComStatus) return;
+            self.asksInstead ? self.parser.SetNoEvents(true) : self.parser.SetEventSink({});
+        }
+    };
+    for (const bool asksInstead : {false, true}) {
+        parser_ = MakeRef<NmeaParser>();
+        Leaver leaver{*parser_, asksInstead};
+        EventSink sink;
+        sink.context = &leaver;
+        sink.callbacks.fill(&Leaver::OnEvent);
+        parser_->SetEventSink(sink);
+        FeedGga("120000");
+        EXPECT_EQ(leaver.fixes, 0);
+        EXPECT_EQ(static_cast<bool>(parser_->GetGpsFix(0, 0)), asksInstead);
+    }
+}
+
 TEST_F(DispatchTest, PositionsAreOnTheGpsDatum) {
     parser_->SetNoEvents(true);
     parser_->SetGpsDatum(5);
