@@ -41,9 +41,14 @@ constexpr ClassDescription kClass = {CLSID_NmeaParser, IID_INmeaParser, &DIID__I
 
 class NmeaParserObject final : public AutomationObject<INmeaParser, NmeaParser, EventSource> {
   public:
-    explicit NmeaParserObject(Ref<NmeaParser> engine)
-        : AutomationObject(kClass, std::move(engine)) {
-        record().KeepContext(link_);
+    // Null when memory is short for any part of it.
+    static ComRef<IUnknown> Create() {
+        Ref<NmeaParser> engine = TryMakeRef<NmeaParser>();
+        Ref<Link> link = TryMakeRef<Link>();
+        if (!engine || !engine->IsComplete() || !link) return nullptr;
+        INmeaParser* const object =
+            new (std::nothrow) NmeaParserObject(std::move(engine), std::move(link));
+        return ComRef<IUnknown>::Adopt(object);
     }
 
     STDMETHOD(Parse)(VARIANT sentence) override {
@@ -100,6 +105,13 @@ class NmeaParserObject final : public AutomationObject<INmeaParser, NmeaParser, 
     }
 
   private:
+    using Link = ParserEventLink<NmeaParserObject>;
+
+    NmeaParserObject(Ref<NmeaParser> engine, Ref<Link> link)
+        : AutomationObject(kClass, std::move(engine)), link_(std::move(link)) {
+        link_->Tie(this);
+        record().KeepContext(link_);
+    }
     ~NmeaParserObject() override {
         link_->Cut();
         record().SetEventSink({});
@@ -130,17 +142,13 @@ class NmeaParserObject final : public AutomationObject<INmeaParser, NmeaParser, 
         if (self) RaiseParserEvent(self->connectionPoint(), event, object);
     }
 
-    using Link = ParserEventLink<NmeaParserObject>;
-    const Ref<Link> link_ = MakeRef<Link>(this);
+    const Ref<Link> link_;
 };
 
 }  // namespace
 
 ComRef<IUnknown> CreateNmeaParserObject() {
-    Ref<NmeaParser> record = TryMakeRef<NmeaParser>();
-    if (!record) return nullptr;
-    INmeaParser* const object = new (std::nothrow) NmeaParserObject(std::move(record));
-    return ComRef<IUnknown>::Adopt(object);
+    return NmeaParserObject::Create();
 }
 
 }  // namespace kavrel

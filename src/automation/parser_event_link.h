@@ -15,7 +15,11 @@ namespace kavrel {
 template <typename Object>
 class ParserEventLink final : public Record {
   public:
-    explicit ParserEventLink(Object* object) : object_(object) {}
+    // For the object, on its beginning.
+    void Tie(Object* object) {
+        const LockScope scope(lock_);
+        object_ = object;
+    }
 
     // The object with a reference to it; null when it is gone or going.
     ComRef<Object> Lock() {
@@ -32,7 +36,7 @@ class ParserEventLink final : public Record {
 
   private:
     kavrel::Lock lock_;
-    Object* object_ KAVREL_GUARDED_BY(lock_);
+    Object* object_ KAVREL_GUARDED_BY(lock_) = nullptr;
 };
 
 }  // namespace kavrel

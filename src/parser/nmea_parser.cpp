@@ -1,11 +1,12 @@
 #include "parser/nmea_parser.h"
 
+#include <new>
 #include <utility>
 
 namespace kavrel {
 
 NmeaParser::NmeaParser(Machine& machine)
-    : formSync_(std::make_unique<FormSync>(machine, error())), portReader_(machine, *this) {}
+    : formSync_(new (std::nothrow) FormSync(machine, error())), portReader_(machine, *this) {}
 
 bool NmeaParser::RequirePortDisabled() {
     error().Clear();

@@ -56,6 +56,9 @@ class NmeaParser final : public HandOverTarget, private PortReader::Listener {
     // REQUIRES: `machine` outlives the parser.
     explicit NmeaParser(Machine& machine = ThisMachine());
 
+    // False when memory or events were short at its making: then it must not be used.
+    bool IsComplete() const { return formSync_ != nullptr && portReader_.IsComplete(); }
+
     // Every operation clears the error slot first; its errors are named here.
 
     // Feeds text. Each sentence that it completes is dispatched before Parse returns; an unfinished

@@ -6,6 +6,12 @@
 
 namespace kavrel {
 
+bool PortReader::IsComplete() const {
+    const auto isUsable = [](const Ref<Event>& event) { return event && event->IsUsable(); };
+    return thread_ && thread_->IsComplete() && isUsable(threadStop_) && isUsable(start_) &&
+           isUsable(disable_) && isUsable(acknowledge_) && source_.IsComplete();
+}
+
 void PortReader::Ask(Event& request) {
     request.Signal();
     acknowledge_->Wait(kWaitForever);
@@ -31,7 +37,7 @@ void PortReader::Disable() {
 }
 
 void PortReader::Stop() {
-    if (!thread_->IsRunning()) return;
+    if (!thread_ || !thread_->IsRunning()) return;
     isAskedToLeave_ = true;
     threadStop_->Signal();
     thread_->Stop();

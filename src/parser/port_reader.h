@@ -46,6 +46,9 @@ class PortReader final : private ThreadOwner {
     PortReader(const PortReader&) = delete;
     PortReader& operator=(const PortReader&) = delete;
 
+    // False when memory was short at its making: then it must not be used.
+    bool IsComplete() const;
+
     void SetChecksumMandatory(bool isMandatory) { source_.SetChecksumMandatory(isMandatory); }
 
     // Begins to read. False, with the error, when the thread cannot be had, the port not be opened,
@@ -80,11 +83,11 @@ class PortReader final : private ThreadOwner {
 
     Listener& listener_;
     PortSource source_;
-    Ref<WorkerThread> thread_ = MakeRef<WorkerThread>("parser reader");
-    Ref<Event> threadStop_ = MakeRef<Event>();
-    Ref<Event> start_ = MakeRef<Event>();
-    Ref<Event> disable_ = MakeRef<Event>();
-    Ref<Event> acknowledge_ = MakeRef<Event>();
+    Ref<WorkerThread> thread_ = TryMakeRef<WorkerThread>("parser reader");
+    Ref<Event> threadStop_ = TryMakeRef<Event>();
+    Ref<Event> start_ = TryMakeRef<Event>();
+    Ref<Event> disable_ = TryMakeRef<Event>();
+    Ref<Event> acknowledge_ = TryMakeRef<Event>();
 
     // Data may come faster than they are read, so a delivery looks here between two sentences.
     std::atomic<bool> isAskedToLeave_{false};

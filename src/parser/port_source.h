@@ -32,6 +32,9 @@ class PortSource {
     explicit PortSource(Machine& machine, std::uint32_t tryMs = kTryMs)
         : machine_(machine), tryMs_(tryMs) {}
 
+    // False when memory was short at its making: then it must not be used.
+    bool IsComplete() const;
+
     void SetChecksumMandatory(bool isMandatory) { assembler_.SetChecksumMandatory(isMandatory); }
 
     // Opens the port of a fixed choice. False, with the port's error, when that fails.
@@ -102,10 +105,10 @@ class PortSource {
     Ref<ByteBlock> block_;
     std::size_t usedOfBlock_ = 0;
 
-    Ref<Event> settingsChanged_ = MakeRef<Event>();
-    Ref<Event> validNmeaSeen_ = MakeRef<Event>();
-    Ref<Event> dataReady_ = MakeRef<Event>();  // of port or shared receiver, while there is one
-    Ref<Event> failed_ = MakeRef<Event>();
+    Ref<Event> settingsChanged_ = TryMakeRef<Event>();
+    Ref<Event> validNmeaSeen_ = TryMakeRef<Event>();
+    Ref<Event> dataReady_ = TryMakeRef<Event>();  // of port or shared receiver, while there is one
+    Ref<Event> failed_ = TryMakeRef<Event>();
 };
 
 }  // namespace kavrel

@@ -32,6 +32,9 @@ class Event final : public Record {
 
     EventTag tag() const { return tag_; }
 
+    // False when the platform had no event left; such a one must not be waited for.
+    bool IsUsable() const { return handle_ != nullptr; }
+
     void Signal();
     void Reset();
 

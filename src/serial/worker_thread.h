@@ -31,6 +31,9 @@ class WorkerThread final : public Record {
     // `name` is a literal; debuggers show it.
     explicit WorkerThread(const char* name) : name_(name) {}
 
+    // False when memory was short at its making: then it must not be started.
+    bool IsComplete() const { return finished_ && finished_->IsUsable(); }
+
     // Runs owner.ThreadBody(*this, argument) on a new thread; does nothing when there is one.
     // Errors: the platform's number with "Could not create thread".
     // REQUIRES: the owner outlives the body.
@@ -54,7 +57,7 @@ class WorkerThread final : public Record {
     Thread thread_;
     ThreadOwner* owner_ = nullptr;
     Ref<Record> argument_;
-    Ref<Event> finished_ = MakeRef<Event>();
+    Ref<Event> finished_ = TryMakeRef<Event>();
     std::atomic<bool> isRunning_{false};
     std::uint32_t stopTimeoutMs_ = kWaitForever;
 };

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <cstdlib>
+#include <new>
 #include <utility>
 
 #include "platform/window_class_name.h"
@@ -127,8 +128,9 @@ std::unique_ptr<ClientWindow> MakeFormSyncWindow(TakeHandOver take, void* contex
         error.Set(code, Message::WindowClassFailed);
         return nullptr;
     }
-    auto window = std::make_unique<FormSyncWindow>(take, context);
-    if (!window->Create(windowClass, code)) {
+    std::unique_ptr<FormSyncWindow> window(new (std::nothrow) FormSyncWindow(take, context));
+    if (window == nullptr) code = ERROR_NOT_ENOUGH_MEMORY;
+    if (window == nullptr || !window->Create(windowClass, code)) {
         error.Set(code, Message::WindowFailed);
         return nullptr;
     }

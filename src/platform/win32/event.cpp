@@ -11,7 +11,7 @@ namespace kavrel {
 Event::Event(EventTag tag) : handle_(CreateEventW(nullptr, TRUE, FALSE, nullptr)), tag_(tag) {}
 
 Event::~Event() {
-    CloseHandle(handle_);
+    if (handle_ != nullptr) CloseHandle(handle_);
 }
 
 void Event::Signal() {
