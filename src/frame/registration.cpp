@@ -29,7 +29,9 @@ std::string_view ScriptText(unsigned resource) {
 HRESULT RunScript(unsigned resource, ScriptMode mode) {
     const ModulePath path = PathOfModule(ModuleInstance());
     ClassesRootEditor editor(path.text);
-    return HRESULT_FROM_WIN32(RunRegistrationScript(ScriptText(resource), mode, editor));
+    // The macro looks at its argument more than once.
+    const std::uint32_t error = RunRegistrationScript(ScriptText(resource), mode, editor);
+    return HRESULT_FROM_WIN32(error);
 }
 
 // The name under which installers count the users of this module: the directory of the operating

@@ -26,7 +26,7 @@ std::uint32_t AbsenceIsNoError(LSTATUS status) {
 std::uint32_t RemoveTreeBelow(HKEY parent, const std::wstring& path) {
     {
         const OpenKey key(parent, path.c_str());
-        if (!key.IsOpen()) return ERROR_SUCCESS;
+        if (!key.IsOpen()) return AbsenceIsNoError(key.status());
         wchar_t name[kKeyNameCapacity];
         while (FirstSubkey(key.get(), name) == ERROR_SUCCESS) {
             const std::uint32_t error = RemoveTreeBelow(key.get(), name);
@@ -38,8 +38,9 @@ std::uint32_t RemoveTreeBelow(HKEY parent, const std::wstring& path) {
 
 }  // namespace
 
-OpenKey::OpenKey(HKEY parent, const wchar_t* path) {
-    if (RegOpenKeyExW(parent, path, 0, kRegistryAccess, &key_) != ERROR_SUCCESS) key_ = nullptr;
+OpenKey::OpenKey(HKEY parent, const wchar_t* path)
+    : status_(RegOpenKeyExW(parent, path, 0, kRegistryAccess, &key_)) {
+    if (status_ != ERROR_SUCCESS) key_ = nullptr;
 }
 
 OpenKey::~OpenKey() {
@@ -63,7 +64,7 @@ std::uint32_t ClassesRootEditor::SetText(std::string_view path, std::string_view
     if (at != std::wstring::npos) value.replace(at, kModule.size(), modulePath_);
 
     const OpenKey key(HKEY_CLASSES_ROOT, Widened(path).c_str());
-    if (!key.IsOpen()) return ERROR_FILE_NOT_FOUND;
+    if (!key.IsOpen()) return static_cast<std::uint32_t>(key.status());
     const auto bytes = static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t));
     return static_cast<std::uint32_t>(
         RegSetValueExW(key.get(), name.empty() ? nullptr : Widened(name).c_str(), 0, REG_SZ,
@@ -78,7 +79,7 @@ std::uint32_t ClassesRootEditor::RemoveIfChildless(std::string_view path) {
     const std::wstring widePath = Widened(path);
     {
         const OpenKey key(HKEY_CLASSES_ROOT, widePath.c_str());
-        if (!key.IsOpen()) return ERROR_SUCCESS;
+        if (!key.IsOpen()) return AbsenceIsNoError(key.status());
         wchar_t name[kKeyNameCapacity];
         if (FirstSubkey(key.get(), name) == ERROR_SUCCESS) return ERROR_SUCCESS;
     }

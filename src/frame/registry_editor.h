@@ -13,17 +13,19 @@ namespace kavrel {
 // Owns an open registry key.
 class OpenKey {
   public:
-    // Check with IsOpen: a key that is not there or not allowed leaves it closed.
+    // Check with IsOpen: a key that is not there or not allowed leaves it closed; status tells why.
     OpenKey(HKEY parent, const wchar_t* path);
     ~OpenKey();
     OpenKey(const OpenKey&) = delete;
     OpenKey& operator=(const OpenKey&) = delete;
 
     bool IsOpen() const { return key_ != nullptr; }
+    LSTATUS status() const { return status_; }
     HKEY get() const { return key_; }
 
   private:
     HKEY key_ = nullptr;
+    LSTATUS status_;
 };
 
 // Works below HKEY_CLASSES_ROOT; in texts, "%MODULE%" stands for the module's path.

@@ -12,6 +12,7 @@
 
 #include "KavrelCE_h.h"
 #include "automation/support/library.h"
+#include "automation/support/registration_fixture.h"
 #include "automation/support/var.h"
 
 namespace kavrel::tests {
@@ -21,7 +22,6 @@ namespace {
 // Values by "key path|value name"; a key without values stands as "key path|" with an empty text.
 using Snapshot = std::map<std::wstring, std::wstring>;
 
-constexpr wchar_t kUsageKey[] = L"Software\\Apps\\Shared";
 constexpr wchar_t kSafeForScripting[] = L"{7DD95801-9882-11CF-9FA9-00AA006C42C4}";
 constexpr wchar_t kSafeForInitializing[] = L"{7DD95802-9882-11CF-9FA9-00AA006C42C4}";
 
@@ -185,44 +185,6 @@ std::optional<std::wstring> TypeLibraryPath() {
     SysFreeString(path);
     return text;
 }
-
-// The count of the module's users is kept under the name it would have in the system's directory:
-// that of the device's core library, where there is one.
-std::wstring UsageName() {
-    wchar_t path[MAX_PATH] = {};
-    const HMODULE core = GetModuleHandleW(L"coredll.dll");
-    if (core == nullptr) {
-        GetSystemDirectoryW(path, MAX_PATH);
-        return std::wstring(path) + L"\\KavrelCE.dll";
-    }
-    GetModuleFileNameW(core, path, MAX_PATH);
-    const std::wstring text(path);
-    return text.substr(0, text.rfind(L'\\') + 1) + L"KavrelCE.dll";
-}
-
-class RegistrationTest : public AutomationTest {
-  protected:
-    void SetUp() override {
-        AutomationTest::SetUp();
-        ClearUsage();
-        ASSERT_EQ(S_OK, RegisterServer());
-    }
-    void TearDown() override {
-        ClearUsage();
-        EXPECT_EQ(S_OK, RegisterServer());
-        AutomationTest::TearDown();
-    }
-
-    void SetUsage(DWORD type, const void* data, DWORD size,
-                  const std::wstring& name = UsageName()) {
-        ASSERT_EQ(ERROR_SUCCESS,
-                  RegSetKeyValueW(HKEY_CLASSES_ROOT, kUsageKey, name.c_str(), type, data, size));
-    }
-    void SetUsageCount(DWORD count) { SetUsage(REG_DWORD, &count, sizeof count); }
-
-  private:
-    static void ClearUsage() { RegDeleteTreeW(HKEY_CLASSES_ROOT, L"Software\\Apps"); }
-};
 
 TEST_F(RegistrationTest, WritesExactlyItsKeys) {
     EXPECT_EQ(Registered(), TakeSnapshot());
