@@ -26,9 +26,8 @@ std::vector<std::int32_t> PortsToSearch(Machine& machine, std::int32_t comPort) 
 }  // namespace
 
 bool PortSource::IsComplete() const {
-    return std::ranges::all_of(Events(), [](Event* event) {
-        return event != nullptr && event->IsUsable();
-    });
+    return std::ranges::all_of(Events(),
+                               [](Event* event) { return event != nullptr && event->IsUsable(); });
 }
 
 Ref<SerialPort> PortSource::OpenPort(const PortChoice& choice, ErrorSlot& error) {

@@ -1,0 +1,139 @@
+// Memory and events that run out while an object is made: the client is told, and nothing is left
+// over.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include "KavrelCE_h.h"
+#include "automation/support/failing_import.h"
+#include "automation/support/late_call.h"
+#include "automation/support/library.h"
+#include "automation/support/resources.h"
+
+using Microsoft::WRL::ComPtr;
+
+namespace kavrel::tests {
+
+namespace {
+
+// Makes the nth allocation of the DLL fail, for a scope.
+class FailingAllocation {
+  public:
+    FailingAllocation(LONG nth, Failing failing) : countdown_(nth, failing) { current_ = this; }
+    FailingAllocation(const FailingAllocation&) = delete;
+    FailingAllocation& operator=(const FailingAllocation&) = delete;
+
+    bool HasFailed() const { return countdown_.HasStruck(); }
+
+  private:
+    static void* Replacement(size_t size) {
+        return current_->countdown_.Strikes() ? nullptr : current_->hook_.original()(size);
+    }
+
+    static inline FailingAllocation* current_ = nullptr;
+
+    Countdown countdown_;
+    ImportHook<void*(size_t)> hook_{"malloc", &Replacement};
+};
+
+// The same with the system's events.
+class FailingEvent : public FailingImport<decltype(CreateEventW)> {
+  public:
+    FailingEvent(LONG nth, Failing failing)
+        : FailingImport("CreateEventW", nth, nullptr, failing) {}
+};
+
+// Class objects are made once, so this comes before everything that needs one.
+TEST(ClassObjectFaultTest, ShortMemoryIsTold) {
+    for (const CreatableClass& creatable : CreatableClasses()) {
+        ComPtr<IClassFactory> factory;
+        {
+            const FailingAllocation failing(1, Failing::Once);
+            EXPECT_EQ(E_OUTOFMEMORY, GetClassObjectOf(creatable.classId, IID_PPV_ARGS(&factory)));
+            EXPECT_FALSE(factory);
+        }
+        EXPECT_EQ(S_OK, GetClassObjectOf(creatable.classId, IID_PPV_ARGS(&factory)));
+    }
+}
+
+class CreationFaultTest : public AutomationTest,
+                          public testing::WithParamInterface<CreatableClass> {
+  protected:
+    void SetUp() override {
+        AutomationTest::SetUp();
+        ASSERT_EQ(S_OK, GetClassObjectOf(GetParam().classId, IID_PPV_ARGS(&factory_)));
+        // First uses of anything stay.
+        for (int i = 0; i < 2; ++i) {
+            EXPECT_EQ(S_OK, Create());
+            Resources::Now();
+        }
+    }
+
+    // An object that is there must work, and its release must give everything back.
+    HRESULT Create() {
+        ComPtr<IDispatch> object;
+        const HRESULT result = factory_->CreateInstance(nullptr, IID_PPV_ARGS(&object));
+        EXPECT_EQ(SUCCEEDED(result), object != nullptr);
+        return result;
+    }
+
+    // Lets each call fail in turn. Returns how many there are.
+    template <typename Fault>
+    int FailEach(Failing failing) {
+        for (int n = 1;; ++n) {
+            const Resources before = Resources::Now();
+            HRESULT result = S_OK;
+            bool hasFailed = false;
+            {
+                const Fault fault(n, failing);
+                result = Create();
+                hasFailed = fault.HasFailed();
+            }
+            EXPECT_EQ(before, Resources::Now()) << "call " << n;
+            EXPECT_EQ(S_OK, CanUnloadNow()) << "call " << n;
+            EXPECT_EQ(S_OK, Create()) << "after call " << n << " failed";
+            if (!hasFailed) {
+                EXPECT_EQ(S_OK, result);
+                return n - 1;
+            }
+            // Without memory for its window a parser is like one on a machine without windows.
+            const bool isParser = IsEqualCLSID(GetParam().classId, CLSID_NmeaParser) != 0;
+            EXPECT_TRUE(result == E_OUTOFMEMORY || (isParser && result == S_OK)) << "call " << n;
+        }
+    }
+
+    ComPtr<IClassFactory> factory_;
+};
+
+INSTANTIATE_TEST_SUITE_P(All, CreationFaultTest, testing::ValuesIn(CreatableClasses()),
+                         [](const auto& test) { return Narrow(test.param.name); });
+
+TEST_P(CreationFaultTest, ShortMemoryIsTold) {
+    const int count = FailEach<FailingAllocation>(Failing::Once);
+    EXPECT_LE(2, count) << "a record and its object at least";
+    EXPECT_EQ(count, FailEach<FailingAllocation>(Failing::FromThenOn));
+}
+
+TEST_P(CreationFaultTest, ShortEventsAreTold) {
+    const bool isParser = IsEqualCLSID(GetParam().classId, CLSID_NmeaParser) != 0;
+    EXPECT_EQ(isParser, FailEach<FailingEvent>(Failing::Once) > 0);
+    EXPECT_EQ(isParser, FailEach<FailingEvent>(Failing::FromThenOn) > 0);
+}
+
+// A parser whose window could not be made still raises the events of Parse.
+TEST_F(AutomationTest, ParserWithoutWindowWorks) {
+    ComPtr<IDispatch> parser;
+    {
+        const FailingImport<decltype(CreateWindowExW)> failing("CreateWindowExW", 1, nullptr);
+        parser = CreateParser();
+        EXPECT_TRUE(failing.HasFailed());
+    }
+    ASSERT_TRUE(parser);
+    EXPECT_EQ(S_OK, Put(parser.Get(), L"NoEvents", true).status);
+    EXPECT_EQ(S_OK,
+              Call(parser.Get(), L"Parse", {L"$GPVTG,045.2,T,043.9,M,32.4,N,60.0,K\r\n"}).status);
+    EXPECT_NE(nullptr, Call(parser.Get(), L"GetMovement", {0}).value.object());
+}
+
+}  // namespace
+
+}  // namespace kavrel::tests
