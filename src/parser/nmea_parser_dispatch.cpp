@@ -154,15 +154,18 @@ void NmeaParser::UpdateFix(const SentenceValues& values) {
         hasStatusChanged = comStatus_.NoteFix(isValid, nowMs);
         status = comStatus_.values();
     }
+    Ref<GpsFix> record;
+    if (turn.isPublished || turn.isRaised) record = spares_.fix.Make(fix, gpsDatum_.load());
+    // From here on callbacks run; a datum that they set is for later fixes.
     if (hasStatusChanged) {
         RaiseComStatus(status);
         // Whose receiver may have chosen other events, or none.
         turn.isPublished = noEvents_;
         turn.handler = HandlerOf(ParserEvent::GpsFix);
     }
-    if (!turn.isPublished && !turn.isRaised) return;
-    Hand(IntervalSlot::GpsFix, turn, fixes_, spares_.fix, spares_.fix.Make(fix, gpsDatum_.load()),
-         fix.type);
+    if (record) {
+        Hand(IntervalSlot::GpsFix, turn, fixes_, spares_.fix, std::move(record), fix.type);
+    }
 }
 
 void NmeaParser::UpdateMovement(const SentenceValues& values) {

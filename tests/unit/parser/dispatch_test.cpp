@@ -128,6 +128,28 @@ TEST_F(DispatchTest, PositionsAreOnTheGpsDatum) {
     EXPECT_EQ(parser_->GetGpsFix(0, 0)->MakePosition()->Datum(), 5);
 }
 
+TEST_F(DispatchTest, DatumSetByAnEventIsForTheNextFix) {
+    struct Client {
+        NmeaParser& parser;
+        std::vector<std::int16_t> datums;
+    } client{*parser_, {}};
+    EventSink sink;
+    sink.context = &client;
+    sink.callbacks[static_cast<std::size_t>(ParserEvent::ComStatus)] = [](void* context,
+                                                                          ParserEvent, Record&) {
+        static_cast<Client*>(context)->parser.SetGpsDatum(5);
+    };
+    sink.callbacks[static_cast<std::size_t>(ParserEvent::GpsFix)] = [](void* context, ParserEvent,
+                                                                       Record& fix) {
+        static_cast<Client*>(context)->datums.push_back(
+            static_cast<GpsFix&>(fix).MakePosition()->Datum());
+    };
+    parser_->SetEventSink(sink);
+    FeedGga("120000");
+    FeedGga("120001");
+    EXPECT_EQ(client.datums, (std::vector<std::int16_t>{1, 5}));
+}
+
 TEST_F(DispatchTest, IntervalsGoByTheReceiversClock) {
     parser_->SetEventInterval(5000, 5);
     std::string times;
