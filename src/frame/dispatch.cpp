@@ -31,14 +31,6 @@ const Member* FindMember(std::span<const Member> members, DISPID id, WORD kinds)
     return nullptr;
 }
 
-// The value of a property put is a named argument; everything else by name is special.
-bool HasArgumentsByName(const DISPPARAMS& parameters, const Member& member) {
-    if (parameters.cNamedArgs == 0) return false;
-    const bool isPutValue = parameters.cNamedArgs == 1 && (member.kinds & kPutKinds) != 0 &&
-                            parameters.rgdispidNamedArgs[0] == DISPID_PROPERTYPUT;
-    return !isPutValue;
-}
-
 // The out arguments of a call: where the member writes, and the way back to the caller.
 class OutArgument {
   public:
@@ -105,21 +97,24 @@ class Call {
     // On a failure, `badArgument` is the index of the argument to blame, as the caller counts.
     HRESULT Bind(UINT& badArgument) {
         const UINT given = parameters_.cArgs;
-        if (given > member_.argumentCount || given < member_.requiredCount) {
+        if (given > member_.argumentCount || given < member_.requiredCount ||
+            parameters_.cNamedArgs > given) {
             return DISP_E_BADPARAMCOUNT;
         }
-        for (UINT i = 0; i < member_.argumentCount; ++i) {
-            if (i >= given) {
-                arguments_[i] = &missing_;
-                continue;
+        for (UINT place = 0; place < given; ++place) {
+            badArgument = place;
+            const UINT i = IndexOf(place);
+            if (i >= member_.argumentCount || arguments_[i] != nullptr) {
+                return DISP_E_PARAMNOTFOUND;
             }
-            const UINT place = given - 1 - i;
             VARIANT* const argument = &parameters_.rgvarg[place];
             arguments_[i] = IsOut(i) ? outs_[i].Bind(argument) : argument;
-            if (arguments_[i] == nullptr) {
-                badArgument = place;
-                return DISP_E_TYPEMISMATCH;
-            }
+            if (arguments_[i] == nullptr) return DISP_E_TYPEMISMATCH;
+        }
+        for (UINT i = 0; i < member_.argumentCount; ++i) {
+            if (arguments_[i] != nullptr) continue;
+            if (i < member_.requiredCount) return DISP_E_PARAMNOTOPTIONAL;
+            arguments_[i] = &missing_;
         }
         return S_OK;
     }
@@ -141,6 +136,16 @@ class Call {
     }
 
   private:
+    // Which argument a given one is. Named ones come first, by their number among the arguments;
+    // the value of a property put has a name of its own and is the last. The others come reversed.
+    UINT IndexOf(UINT place) const {
+        if (place >= parameters_.cNamedArgs) return parameters_.cArgs - 1 - place;
+        const DISPID name = parameters_.rgdispidNamedArgs[place];
+        const bool isPut = (member_.kinds & kPutKinds) != 0;
+        if (name == DISPID_PROPERTYPUT && isPut) return member_.argumentCount - 1U;
+        return static_cast<UINT>(name);
+    }
+
     bool IsOut(UINT index) const { return (member_.outMask >> index & 1U) != 0; }
 
     const Member& member_;
@@ -194,13 +199,6 @@ HRESULT InvokeMember(const ClassDescription& description, IDispatch* self, DISPI
     const Member* const member = FindMember(description.members, id, kinds);
     if (member == nullptr) return DISP_E_MEMBERNOTFOUND;
 
-    if (HasArgumentsByName(*parameters, *member)) {
-        ComRef<ITypeInfo> type;
-        const HRESULT found = GetTypeDescription(description.interfaceId, type);
-        if (FAILED(found)) return found;
-        return type->Invoke(self, id, kinds, parameters, result, exception, argumentError);
-    }
-
     UINT badArgument = 0;
     Call call(*member, *parameters);
     HRESULT outcome = call.Bind(badArgument);
@@ -213,7 +211,8 @@ HRESULT InvokeMember(const ClassDescription& description, IDispatch* self, DISPI
         if (FAILED(outcome)) return GiveException(outcome, exception);
         outcome = call.PassBack(badArgument);
     }
-    if (outcome == DISP_E_TYPEMISMATCH && argumentError != nullptr) *argumentError = badArgument;
+    const bool hasBadArgument = outcome == DISP_E_TYPEMISMATCH || outcome == DISP_E_PARAMNOTFOUND;
+    if (hasBadArgument && argumentError != nullptr) *argumentError = badArgument;
     return outcome;
 }
 

@@ -27,7 +27,8 @@ HRESULT GetMemberIds(const ClassDescription& description, LPOLESTR* names, UINT 
 // - Out arguments are variants by reference, or references to a simple value of another type, into
 //   which the result is coerced.
 // - A member that is method and property to some hosts answers to either flag.
-// - Arguments by name are left to the type library's own Invoke.
+// - Arguments by name stand before the others; a name twice, or none of the member's, is
+//   DISP_E_PARAMNOTFOUND.
 // A failing member gives DISP_E_EXCEPTION, with `exception` filled from the error object.
 HRESULT InvokeMember(const ClassDescription& description, IDispatch* self, DISPID id,
                      REFIID reserved, LCID locale, WORD kinds, DISPPARAMS* parameters,

@@ -302,6 +302,28 @@ TEST_F(InvokeTest, ArgumentsMayBeNamed) {
     EXPECT_EQ(S_OK, InvokeById(parser.Get(), ids[0], DISPATCH_METHOD, {{100, 5}, {ids[1]}}).status);
 }
 
+// Calls that no compiler makes. Handed to the platform they crashed it.
+TEST_F(InvokeTest, OddArgumentNumbersAreRefused) {
+    const ComPtr<IDispatch> parser = CreateParser();
+    const DISPID interval = IdOf(parser.Get(), L"EventInterval");
+    const auto call = [&](const Arguments& arguments) {
+        return InvokeById(parser.Get(), interval, DISPATCH_METHOD, arguments).status;
+    };
+    EXPECT_EQ(S_OK, call({{5, 100}, {1, 0}}));
+    EXPECT_EQ(DISP_E_PARAMNOTFOUND, call({{5, 100}, {1, 1}})) << "twice";
+    EXPECT_EQ(DISP_E_PARAMNOTFOUND, call({{100, 5}, {0}})) << "by place and by number";
+    EXPECT_EQ(DISP_E_PARAMNOTFOUND, call({{5}, {2}})) << "beyond the last";
+    EXPECT_EQ(DISP_E_PARAMNOTFOUND, call({{5}, {-1}}));
+    EXPECT_EQ(DISP_E_PARAMNOTFOUND, call({{5}, {DISPID_PROPERTYPUT}})) << "no property";
+
+    const ComPtr<IDispatch> grid = CreateDirectly(CLSID_CustomGrid);
+    EXPECT_EQ(DISP_E_BADPARAMCOUNT,
+              InvokeById(grid.Get(), IdOf(grid.Get(), L"CustomDatum"),
+                         DISPATCH_METHOD | DISPATCH_PROPERTYGET | DISPATCH_PROPERTYPUT,
+                         {{Var::Missing()}, {DISPID_PROPERTYPUT}})
+                  .status);
+}
+
 TEST_F(InvokeTest, UnknownArgumentNameIsRefused) {
     const ComPtr<IDispatch> parser = CreateParser();
     wchar_t method[] = L"EventInterval";

@@ -106,8 +106,8 @@ TEST_F(RegistrationFaultTest, ObjectsWorkWithoutATypeLibrary) {
         EXPECT_EQ(nullptr, type);
         EXPECT_EQ(kNoTypeLibrary,
                   parser->GetIDsOfNames(IID_NULL, names, 2, LOCALE_USER_DEFAULT, ids));
-        const Arguments named{{5, 100}, {1, 0}};
-        EXPECT_EQ(kNoTypeLibrary, InvokeById(parser.Get(), 15, DISPATCH_METHOD, named).status);
+        const Arguments byNumber{{5, 100}, {1, 0}};
+        EXPECT_EQ(S_OK, InvokeById(parser.Get(), 15, DISPATCH_METHOD, byNumber).status);
         EXPECT_TRUE(missing.HasFailed());
     }
     const ComPtr<IDispatch> parser = CreateParser();
