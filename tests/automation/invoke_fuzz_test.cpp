@@ -1,0 +1,316 @@
+// A host that calls every member of every class with whatever a variant can hold: wrong types,
+// counts, kinds of call and names, null references, objects of other classes and of other programs,
+// from inside events, too. The process must survive, every call end with a code of late binding,
+// and no object be left.
+//
+// The calls follow from a seed. Longer runs, and the last call before a crash:
+//     KAVREL_FUZZ_SECONDS=3600 KAVREL_FUZZ_SEED=7 tools/run-wine build/win64/prefix
+//         build/win64/tests/automation/automation_invoke_fuzz.exe
+//     KAVREL_FUZZ_VERBOSE=1 prints each call before it is made.
+#include <gtest/gtest.h>
+#include <objsafe.h>
+#include <ocidl.h>
+#include <oleauto.h>
+#include <olectl.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <deque>
+#include <memory>
+#include <set>
+
+#include "KavrelCE_h.h"
+#include "automation/support/event_recorder.h"
+#include "automation/support/late_call.h"
+#include "automation/support/library.h"
+#include "automation/support/random_variant.h"
+
+using Microsoft::WRL::ComPtr;
+
+namespace kavrel::tests {
+
+namespace {
+
+constexpr int kDefaultCalls = 100000;
+constexpr int kCallsOfARound = 2000;  // then all objects are made anew
+
+unsigned Setting(const char* name, unsigned otherwise) {
+    const char* const text = std::getenv(name);
+    return text != nullptr ? static_cast<unsigned>(std::strtoul(text, nullptr, 10)) : otherwise;
+}
+
+// An object to call, and what the type library says of it.
+struct Target {
+    ComPtr<IDispatch> object;
+    const TypeDescription* type;
+};
+
+const char* InterfaceOfEvent(DISPID event) {
+    static constexpr const char* kNames[] = {"INmeaSentence", "INmeaGGA",    "INmeaGLL",
+                                             "INmeaRMC",      "ISatellites", "IGpsFix",
+                                             "IMovement",     "IQuality",    "IComStatus"};
+    return kNames[event - 1];
+}
+
+constexpr wchar_t kSentences[] =
+    L"$GPGGA,120410.00,4730.0000,N,00843.0000,E,1,08,1.1,432.5,M,47.9,M,,\r\n"
+    L"$GPRMC,120411,A,4730,N,00843,W,22.4,84.4,230394,3.1,W\r\n"
+    L"$GPGLL,4730,S,00843,E,120412,A\r\n"
+    L"$GPGSV,1,1,02,02,61,103,44,05,23,288,38\r\n"
+    L"$GPGSA,A,3,02,05,,,,,,,,,,,1.9,1.1,1.6\r\n";
+
+// An object of another program, which has a value when it is asked for one, and sometimes fails.
+class Foreign final : public IDispatch {
+  public:
+    LONG references() const { return references_; }
+
+    STDMETHODIMP QueryInterface(REFIID id, void** object) override {
+        const bool isKnown = IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDispatch);
+        *object = isKnown ? this : nullptr;
+        if (isKnown) AddRef();
+        return isKnown ? S_OK : E_NOINTERFACE;
+    }
+    STDMETHODIMP_(ULONG) AddRef() override { return static_cast<ULONG>(++references_); }
+    STDMETHODIMP_(ULONG) Release() override {
+        const LONG left = --references_;
+        if (left == 0) delete this;
+        return static_cast<ULONG>(left);
+    }
+    STDMETHODIMP GetTypeInfoCount(UINT* count) override {
+        *count = 0;
+        return S_OK;
+    }
+    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
+        return DISP_E_UNKNOWNNAME;
+    }
+    STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARIANT* result, EXCEPINFO*,
+                        UINT*) override {
+        if (id != DISPID_VALUE || result == nullptr) return DISP_E_MEMBERNOTFOUND;
+        V_VT(result) = VT_I4;
+        V_I4(result) = ++value_ % 50;
+        return value_ % 3 == 0 ? E_FAIL : S_OK;
+    }
+
+  private:
+    LONG references_ = 0;
+    LONG value_ = 0;
+};
+
+class Host {
+  public:
+    explicit Host(unsigned seed) : random_(seed), foreign_(new Foreign) {}
+
+    // One round on fresh objects, at the end of which all are given back.
+    void Round(int calls) {
+        MakeObjects();
+        for (int i = 0; i < calls; ++i) {
+            Call();
+            recorder_->Clear();
+        }
+        recorder_->SetReaction(nullptr);
+        listener_.reset();
+        recorder_.Reset();
+        targets_.clear();
+        objects_.clear();
+        results_.clear();
+        SetErrorInfo(0, nullptr);
+        EXPECT_EQ(S_OK, CanUnloadNow());
+        EXPECT_EQ(1L, foreign_->references());
+    }
+
+    const std::set<HRESULT>& statuses() const { return statuses_; }
+
+  private:
+    void Add(const ComPtr<IDispatch>& object, const char* interfaceName) {
+        ASSERT_TRUE(object) << interfaceName;
+        targets_.push_back({object, &InterfaceNamed(interfaceName)});
+        objects_.push_back(object);
+    }
+
+    void MakeObjects() {
+        const ComPtr<IDispatch> parser = CreateParser();
+        Add(parser, "INmeaParser");
+        Add(CreateDirectly(CLSID_Position), "IPosition");
+        Add(CreateDirectly(CLSID_Position), "IPosition");
+        Add(CreateDirectly(CLSID_CustomGrid), "ICustomGrid");
+        Add(CreateDirectly(CLSID_CustomDatum), "ICustomDatum");
+        listener_ = std::make_unique<Listener>(parser.Get());
+        recorder_ = &**listener_;
+        std::set<DISPID> seen;
+        tests::Call(parser.Get(), L"Parse", {kSentences});
+        for (const RecordedEvent& event : recorder_->events()) {
+            if (!seen.insert(event.id).second) continue;
+            Add(event.arguments.at(0).object(), InterfaceOfEvent(event.id));
+            if (event.id != kOnSatellites) continue;
+            const CallResult item = Get(event.arguments[0].object(), L"Item", {1});
+            Add(item.value.object(), "ISatellite");
+        }
+        EXPECT_EQ(15U, targets_.size()) << "an object of each class, and a position more";
+        objects_.push_back(foreign_);
+        recorder_->SetReaction([this](const RecordedEvent& event) { return React(event); });
+    }
+
+    // Inside an event, some hosts go on calling.
+    HRESULT React(const RecordedEvent& event) {
+        for (const Var& argument : event.arguments)
+            Collect(argument.object());
+        if (depth_ < 2 && random_.OneIn(8)) {
+            ++depth_;
+            Call();
+            --depth_;
+        }
+        return random_.OneIn(8) ? E_FAIL : S_OK;
+    }
+
+    // Later arguments.
+    void Collect(IDispatch* object) {
+        if (object == nullptr) return;
+        constexpr size_t kMost = 20;
+        results_.emplace_back(object);
+        if (results_.size() > kMost) results_.pop_front();
+        objects_.resize(targets_.size() + 1);
+        objects_.insert(objects_.end(), results_.begin(), results_.end());
+    }
+
+    void Call() {
+        const Target target = targets_[random_.Below(static_cast<unsigned>(targets_.size()))];
+        if (random_.OneIn(16)) return Ask(target);
+        const std::vector<MemberDescription>& members = target.type->members;
+        const MemberDescription& member =
+            members[random_.Below(static_cast<unsigned>(members.size()))];
+        const DISPID id =
+            random_.OneIn(30) ? static_cast<DISPID>(random_.Below(40)) - 6 : member.id;
+        const auto kinds =
+            static_cast<WORD>(random_.OneIn(10) ? random_.Below(16) : unsigned(member.kind));
+        const auto usual = static_cast<unsigned>(std::count_if(
+            member.parameters.begin(), member.parameters.end(),
+            [](const std::string& text) { return !text.starts_with("[out retval"); }));
+        const unsigned count = random_.OneIn(8) ? random_.Below(8) : usual;
+
+        // Positions in a deque stay where they are.
+        std::deque<RandomVariant> arguments;
+        std::vector<VARIANT> raw;
+        for (unsigned i = 0; i < count; ++i) {
+            RandomVariant& argument = arguments.emplace_back(random_, objects_);
+            if (target.type->name == "INmeaParser") Tame(id, argument);
+            raw.push_back(*argument.get());
+        }
+        std::vector<DISPID> names;
+        if ((kinds & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0 && count > 0) {
+            names.push_back(DISPID_PROPERTYPUT);
+        }
+        if (random_.OneIn(10)) {
+            names.resize(random_.Below(count + 1));
+            for (DISPID& name : names)
+                name = static_cast<DISPID>(random_.Below(5)) - (random_.OneIn(6) ? 4 : 0);
+        }
+        DISPPARAMS parameters = {raw.data(), names.data(), count, static_cast<UINT>(names.size())};
+        if (isVerbose_) Print(target, id, kinds, parameters);
+        Invoke(*target.object.Get(), id, kinds, parameters);
+    }
+
+    void Invoke(IDispatch& object, DISPID id, WORD kinds, DISPPARAMS& parameters) {
+        Var result;
+        EXCEPINFO exception = {};
+        UINT bad = 0;
+        const HRESULT status = object.Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kinds, &parameters,
+                                             random_.OneIn(4) ? nullptr : result.get(),
+                                             random_.OneIn(4) ? nullptr : &exception,
+                                             random_.OneIn(4) ? nullptr : &bad);
+        SysFreeString(exception.bstrSource);
+        SysFreeString(exception.bstrDescription);
+        SysFreeString(exception.bstrHelpFile);
+        Collect(result.object());
+        statuses_.insert(status);
+    }
+
+    // A host's other questions.
+    void Ask(const Target& target) {
+        static const IID* const kInterfaces[] = {
+            &IID_IUnknown,         &IID_IDispatch,        &IID_INmeaParser,
+            &IID_IPosition,        &IID_ICustomDatum,     &IID_ISupportErrorInfo,
+            &IID_IMarshal,         &IID_IPersist,         &IID_IProvideClassInfo2,
+            &IID_IObjectSafety,    &IID_IEnumVARIANT,     &IID_IConnectionPointContainer,
+            &IID_IConnectionPoint, &IID_IProvideClassInfo};
+        ComPtr<IUnknown> other;
+        target.object->QueryInterface(*random_.Of(kInterfaces),
+                                      reinterpret_cast<void**>(other.GetAddressOf()));
+        ComPtr<ITypeInfo> type;
+        target.object->GetTypeInfo(random_.Below(3), LOCALE_USER_DEFAULT, &type);
+        wchar_t name[] = L"Position";
+        name[random_.Below(8)] = static_cast<wchar_t>(random_.Below(0x80));
+        LPOLESTR names[] = {name, name};
+        DISPID ids[2] = {};
+        target.object->GetIDsOfNames(IID_NULL, names, random_.Below(3), LOCALE_USER_DEFAULT, ids);
+        if (const ComPtr<IConnectionPoint> point = EventsOf(target.object.Get())) {
+            EXPECT_EQ(CONNECT_E_NOCONNECTION, point->Unadvise(0));
+            DWORD cookie = 0;
+            if (SUCCEEDED(point->Advise(foreign_.Get(), &cookie)) && random_.OneIn(2)) {
+                tests::Call(target.object.Get(), L"Parse", {kSentences});
+            }
+            point->Unadvise(cookie);
+        }
+    }
+
+    // No port is opened that could exist, and no query waits for long.
+    void Tame(DISPID id, RandomVariant& argument) {
+        constexpr DISPID kComPort = 4;
+        constexpr DISPID kFirstQuery = 8;
+        constexpr DISPID kLastQuery = 11;
+        static const Var kPorts[] = {-1, 77, 300, -9, 32767, L"88", 0};
+        static const Var kTimes[] = {0, -1, 1, 2, L"3", 0.6, Var::Missing(), L"no number"};
+        if (id == kComPort) argument.Replace(*random_.Of(kPorts).get());
+        if (id >= kFirstQuery && id <= kLastQuery) argument.Replace(*random_.Of(kTimes).get());
+    }
+
+    static void Print(const Target& target, DISPID id, WORD kinds, const DISPPARAMS& parameters) {
+        std::printf("%s %ld kinds %u (", target.type->name.c_str(), id, kinds);
+        for (UINT i = 0; i < parameters.cArgs; ++i)
+            std::printf(" %x", V_VT(&parameters.rgvarg[i]));
+        std::printf(" ) names");
+        for (UINT i = 0; i < parameters.cNamedArgs; ++i)
+            std::printf(" %ld", parameters.rgdispidNamedArgs[i]);
+        std::printf("\n");
+        std::fflush(stdout);
+    }
+
+    Random random_;
+    const bool isVerbose_ = Setting("KAVREL_FUZZ_VERBOSE", 0) != 0;
+    ComPtr<Foreign> foreign_;
+    std::vector<Target> targets_;
+    Objects objects_;  // of the targets, the foreign one, and results
+    std::deque<ComPtr<IDispatch>> results_;
+    std::unique_ptr<Listener> listener_;
+    ComPtr<EventRecorder> recorder_;
+    std::set<HRESULT> statuses_;
+    int depth_ = 0;
+};
+
+TEST_F(AutomationTest, SurvivesAnyCall) {
+    const unsigned seed = Setting("KAVREL_FUZZ_SEED", 1);
+    const unsigned seconds = Setting("KAVREL_FUZZ_SECONDS", 0);
+    const ULONGLONG start = GetTickCount64();
+    Host host(seed);
+    int calls = 0;
+    const auto goesOn = [&] {
+        if (HasFailure()) return false;
+        return seconds != 0 ? GetTickCount64() - start < seconds * 1000ULL : calls < kDefaultCalls;
+    };
+    for (; goesOn(); calls += kCallsOfARound)
+        host.Round(kCallsOfARound);
+    std::printf("seed %u: %d calls in %llu ms\n", seed, calls, GetTickCount64() - start);
+
+    const std::set<HRESULT> expected = {S_OK, DISP_E_EXCEPTION, DISP_E_TYPEMISMATCH,
+                                        DISP_E_BADPARAMCOUNT, DISP_E_MEMBERNOTFOUND};
+    for (const HRESULT status : expected)
+        EXPECT_TRUE(host.statuses().contains(status)) << std::hex << status << " never came";
+    for (const HRESULT status : host.statuses()) {
+        if (!expected.contains(status)) std::printf("also %08lx\n", status);
+    }
+}
+
+}  // namespace
+
+}  // namespace kavrel::tests
