@@ -6,7 +6,8 @@
 #   kavrel_automation_test(<name> <source>... [REGISTRY] [ALONE] [WINDOWLESS] [SERIAL]
 #                          [LIBS <library>...])   Windows: GoogleTest program run under Wine
 #   kavrel_script_test(<file> [HOST cscript|scripthost] [ARGS <argument>...] [REGISTRY]
-#                      [RECEIVER <file>])         Windows: a script run under Wine
+#                      [RECEIVER <file>] [LAST <line>] [EXPECTED <file>])
+#                                                 Windows: a script run under Wine
 #   kavrel_native_library(<name> <source>...)     Windows: a Linux library for Wine's own side
 #   kavrel_benchmark(<name> <source>... [LIBS <library>...])   host, option KAVREL_BENCH
 #
@@ -18,6 +19,8 @@
 # SERIAL: uses serial ports (tests/automation/support/test_port.h), so no two such tests run at once.
 # RECEIVER: a receiver on a serial port says that text (a path from the project's root) over and
 #   over, one fix each 20 ms; the port's number stands for {port} in ARGS.
+# LAST: the line that the script ends with, instead of SCRIPT OK.
+# EXPECTED: a file with all that the script prints.
 #
 # Test programs find the folder of test data as the macro KAVREL_TEST_DATA, those under Wine the
 # built DLL as KAVREL_DLL and the flavour's build folder as KAVREL_BUILD.

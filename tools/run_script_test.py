@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
 """Runs one script under Wine and judges it by its output.
 
-    run_script_test.py [--receiver FILE] <prefix folder> <script> <host> [host option]...
-                       -- [script argument]...
+    run_script_test.py [--receiver FILE] [--last LINE] [--expected FILE]
+                       <prefix folder> <script> <host> [host option]... -- [script argument]...
 
 The hosts end with exit code 0 even on an unhandled script error, so a script passes only when the
-last line it prints is "SCRIPT OK". When <script without extension>.expected exists beside it, the
-whole output must equal that file.
+last line it prints is "SCRIPT OK", or that of --last. With --expected, or when <script without
+extension>.expected exists beside it, the whole output must equal that file.
 
 With --receiver, a receiver on a serial port says that file's text, one fix each 20 ms; the port's
 number replaces "{port}" in the script's arguments.
@@ -23,10 +23,12 @@ TIMEOUT_SECONDS = 90
 
 def main():
     given = sys.argv[1:]
-    receiver = None
-    if given[:1] == ["--receiver"]:
-        receiver = str(Path(given[1]).resolve())
+    options = {"--receiver": None, "--last": MARKER, "--expected": None}
+    while len(given) > 1 and given[0] in options:
+        options[given[0]] = given[1]
         del given[:2]
+    receiver = options["--receiver"] and str(Path(options["--receiver"]).resolve())
+    marker = options["--last"]
     if len(given) < 4 or "--" not in given:
         return __doc__
     prefix, script = str(Path(given[0]).resolve()), Path(given[1])
@@ -50,10 +52,10 @@ def main():
     if done.returncode:
         return f"{script.name}: exit code {done.returncode}"
     lines = output.splitlines()
-    if not lines or lines[-1] != MARKER:
-        return f"{script.name}: the last line is not {MARKER!r}: the script stopped early"
-    expected = script.with_suffix(".expected")
-    if expected.exists() and output != (wanted := expected.read_text(encoding="utf-8")):
+    if not lines or lines[-1] != marker:
+        return f"{script.name}: the last line is not {marker!r}: the script stopped early"
+    expected = Path(options["--expected"] or script.with_suffix(".expected"))
+    if (options["--expected"] or expected.exists()) and output != (wanted := expected.read_text(encoding="utf-8")):
         return "".join(
             difflib.unified_diff(
                 wanted.splitlines(True), output.splitlines(True), str(expected), "output"
