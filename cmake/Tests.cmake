@@ -3,7 +3,7 @@
 #   kavrel_unit_test(<room> <source>...)          host: GoogleTest program unit_<room>
 #   kavrel_fuzz_test(<name> <source>... [CORPUS <folder>] [DICTIONARY <file>])
 #                                                 host-asan: libFuzzer program fuzz_<name>
-#   kavrel_automation_test(<name> <source>... [REGISTRY] [ALONE] [WINDOWLESS] [SERIAL]
+#   kavrel_automation_test(<name> <source>... [REGISTRY] [ALONE] [WINDOWLESS] [UNREGISTERED] [SERIAL]
 #                          [LIBS <library>...])   Windows: GoogleTest program run under Wine
 #   kavrel_script_test(<file> [HOST cscript|scripthost] [ARGS <argument>...] [REGISTRY]
 #                      [RECEIVER <file>] [LAST <line>] [EXPECTED <file>])
@@ -16,6 +16,7 @@
 # REGISTRY: changes the prefix's registry, so no two such tests run at once.
 # ALONE: changes what every other test relies on (the registration), so nothing runs beside it.
 # WINDOWLESS: runs in a second prefix in which no window can be created.
+# UNREGISTERED: runs in a third prefix in which the DLL was never registered.
 # SERIAL: uses serial ports (tests/automation/support/test_port.h), so no two such tests run at once.
 # RECEIVER: a receiver on a serial port says that text (a path from the project's root) over and
 #   over, one fix each 20 ms; the port's number stands for {port} in ARGS.
