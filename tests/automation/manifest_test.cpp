@@ -86,8 +86,8 @@ TEST_F(ManifestTest, ClassesAreCreatedByNameAndIdentity) {
     }
 }
 
-// A free-threaded class gives the object itself to an apartment: its record can be reached.
-TEST_F(ManifestTest, ThreadingModelsHold) {
+// A free-threaded class gives an apartment the object itself, and no proxy: its record can be reached.
+TEST_F(ManifestTest, PositionsReachADatum) {
     const Activation host;
     ASSERT_TRUE(host.isActive()) << host.error();
     const ComPtr<IDispatch> position = CreateByName(L"KavrelCE.Position");
