@@ -70,27 +70,28 @@ bool Position::ReadPlanePoint(PlanePoint& plane) {
 // The other position's point on this one's datum.
 bool Position::ReadOtherGeoPoint(Position& other, GeoPoint& point) {
     if (IsSameDatum(&other)) {
-        if (other.ReadGeoPoint(point)) return true;
+        if (other.ReadGeoPoint(point)) return !error().IsSet();
         error().CopyFrom(&other.error());
         return false;
     }
     const Ref<Position> copy = other.Copy();
     copy->MakeSameDatum(this);
-    if (!copy->error().IsSet() && copy->ReadGeoPoint(point)) return true;
+    if (!copy->error().IsSet() && copy->ReadGeoPoint(point)) return !error().IsSet();
     error().CopyFrom(&copy->error());
     return false;
 }
 
-// The other position's point in this one's grid.
+// The other position's point in this one's grid. This position may fail, too: the copy asks it for
+// its zone.
 bool Position::ReadOtherPlanePoint(Position& other, PlanePoint& plane) {
     if (IsSameGrid(&other)) {
-        if (other.ReadPlanePoint(plane)) return true;
+        if (other.ReadPlanePoint(plane)) return !error().IsSet();
         error().CopyFrom(&other.error());
         return false;
     }
     const Ref<Position> copy = other.Copy();
     copy->MakeSameGrid(this);
-    if (!copy->error().IsSet() && copy->ReadPlanePoint(plane)) return true;
+    if (!copy->error().IsSet() && copy->ReadPlanePoint(plane)) return !error().IsSet();
     error().CopyFrom(&copy->error());
     return false;
 }

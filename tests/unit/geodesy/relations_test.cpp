@@ -110,6 +110,21 @@ TEST(Distance, InTheGrid) {
     EXPECT_EQ(ErrorOf(*a), "Position outside grid");
 }
 
+// This position can tell its plane point, but not the zone that the other one is to be put into.
+TEST(Distance, FailsWhereThisPositionsZoneCannotBeTold) {
+    const Ref<Position> here = MakeRef<Position>();
+    here->PutGrid(1);
+    here->PutZone(32);
+    here->PutEasting(3e87);
+    here->PutNorthing(0.0);
+    const Ref<Position> there = MakeRef<Position>();
+    there->PutGrid(2);
+    there->PutLatitudeRads(0.8);
+    EXPECT_EQ(here->Distance(there.get(), 3), 0.0);
+    EXPECT_EQ(here->error().text(), "Position outside grid");
+    EXPECT_EQ(here->Bearing(there.get(), 3), 0.0);
+}
+
 TEST(Bearing, Directions) {
     struct Case {
         double lat1, lon1, lat2, lon2, degrees;
