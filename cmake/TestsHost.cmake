@@ -4,14 +4,14 @@ find_package(GTest REQUIRED)
 # -fno-rtti as in the engine: a test's class may derive from one of the engine's.
 add_library(kavrel_unit_test_base INTERFACE)
 target_link_libraries(kavrel_unit_test_base INTERFACE
-  kavrel_warnings GTest::gmock GTest::gtest_main)
+  kavrel_warnings GTest::gmock)
 target_compile_options(kavrel_unit_test_base INTERFACE -fno-rtti)
 target_compile_definitions(kavrel_unit_test_base INTERFACE
   KAVREL_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/data")
 target_include_directories(kavrel_unit_test_base INTERFACE "${CMAKE_SOURCE_DIR}/tests")
 
 function(kavrel_unit_test room)
-  add_executable(unit_${room} ${ARGN})
+  add_executable(unit_${room} ${ARGN} "${CMAKE_SOURCE_DIR}/tests/unit_main.cpp")
   target_link_libraries(unit_${room} PRIVATE kavrel_engine kavrel_unit_test_base)
   add_test(NAME unit_${room} COMMAND unit_${room})
   set_tests_properties(unit_${room} PROPERTIES TIMEOUT 300 LABELS unit)

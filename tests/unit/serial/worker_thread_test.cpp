@@ -58,6 +58,7 @@ TEST(WorkerThread, RunsItsOwnersBodyUntilStopped) {
 
 TEST(WorkerThread, WaitsForTheBodyNoLongerThanAsked) {
     // Kept for ever: nobody can tell when the thread that was given up has ended.
+    const std::int32_t liveBefore = Record::LiveCount();
     static Owner& owner = *new Owner;
     static const Ref<WorkerThread>& thread = *new Ref(MakeRef<WorkerThread>("worker"));
     thread->SetStopTimeout(10);
@@ -65,6 +66,7 @@ TEST(WorkerThread, WaitsForTheBodyNoLongerThanAsked) {
     owner.started->Wait(kWaitForever);
     thread->Stop();
     EXPECT_FALSE(thread->IsRunning());
+    RecordProperty("records kept", Record::LiveCount() - liveBefore);
     owner.release->Signal();
 }
 
