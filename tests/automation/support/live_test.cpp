@@ -42,6 +42,12 @@ void DispatchFor(int ms) {
     DispatchUntil([] { return false; }, ms);
 }
 
+void DispatchAll() {
+    MSG message;
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
+        DispatchMessageW(&message);
+}
+
 double MillisecondsOf(const std::function<void()>& action) {
     LARGE_INTEGER frequency;
     LARGE_INTEGER start;

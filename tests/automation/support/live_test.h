@@ -37,6 +37,9 @@ bool DispatchUntil(const std::function<bool()>& done, int timeoutMs = 20000);
 // For so long, whatever happens.
 void DispatchFor(int ms);
 
+// What waits, at once.
+void DispatchAll();
+
 // How long the action took, in milliseconds, by the precise clock.
 double MillisecondsOf(const std::function<void()>& action);
 
