@@ -51,6 +51,11 @@ else()
   find_package(Threads REQUIRED)
   # Sanitized (Debug) builds: quick enough to run, with usable stack traces.
   set(CMAKE_CXX_FLAGS_DEBUG "-O1 -g -fno-omit-frame-pointer -D_GLIBCXX_ASSERTIONS")
+  if(KAVREL_COVERAGE)
+    # Atomic counts: the tests have threads.
+    add_compile_options(--coverage -O0 -fprofile-update=atomic)
+    add_link_options(--coverage)
+  endif()
   if(KAVREL_SANITIZE)
     add_compile_options(-fsanitize=${KAVREL_SANITIZE} -fno-sanitize-recover=all)
     add_link_options(-fsanitize=${KAVREL_SANITIZE})
