@@ -9,50 +9,33 @@
 namespace kavrel {
 namespace {
 
-TEST(ErrorSlot, IsEmptyAtFirst) {
-    const ErrorSlot slot;
-    EXPECT_FALSE(slot.IsSet());
-    EXPECT_EQ(slot.code(), kNoError);
-    EXPECT_EQ(slot.text(), "");
-}
-
-TEST(ErrorSlot, KeepsItsOwnCopyOfTheText) {
+TEST(ErrorSlot, KeepsWhatWasSetLast) {
     ErrorSlot slot;
+    EXPECT_EQ(slot.text(), "");
     std::string text = "Something long enough to need memory of its own";
     slot.Set(5, text);
     text.assign(text.size(), '?');
     EXPECT_EQ(slot.code(), 5u);
     EXPECT_EQ(slot.text(), "Something long enough to need memory of its own");
-}
-
-TEST(ErrorSlot, ReplacesAndClears) {
-    ErrorSlot slot;
-    slot.Set(kErrorIndexOutOfBounds, Message::IndexOutOfBounds);
     slot.Set(kErrorWrongState, Message::PortMustBeEnabled);
     EXPECT_EQ(slot.code(), 10006u);
     EXPECT_EQ(slot.text(), "Port must be enabled!");
-
-    slot.Clear();
-    EXPECT_FALSE(slot.IsSet());
-    EXPECT_EQ(slot.text(), "");
-    slot.Clear();
-    EXPECT_FALSE(slot.IsSet());
-}
-
-TEST(ErrorSlot, CodeZeroClearsWhateverTheText) {
-    ErrorSlot slot;
-    slot.Set(7, "text");
-    slot.Set(kNoError, "no error, but a text");
-    EXPECT_FALSE(slot.IsSet());
-    EXPECT_EQ(slot.text(), "");
-}
-
-TEST(ErrorSlot, AnEmptyTextBecomesTheDefaultText) {
-    ErrorSlot slot;
     slot.Set(10003, std::string_view());
     EXPECT_EQ(slot.text(), "Unknown Error");
     slot.Set(10004, "");
     EXPECT_EQ(slot.text(), "Unknown Error");
+}
+
+TEST(ErrorSlot, ClearsAlsoByCodeZero) {
+    ErrorSlot slot;
+    for (const bool isByCode : {false, true}) {
+        slot.Set(7, "text");
+        EXPECT_TRUE(slot.IsSet());
+        isByCode ? slot.Set(kNoError, "no error, but a text") : slot.Clear();
+        EXPECT_FALSE(slot.IsSet());
+        EXPECT_EQ(slot.code(), kNoError);
+        EXPECT_EQ(slot.text(), "");
+    }
 }
 
 TEST(ErrorSlot, CopiesCodeAndText) {
@@ -60,19 +43,12 @@ TEST(ErrorSlot, CopiesCodeAndText) {
     source.Set(0x80004005u, "from the platform");
     ErrorSlot slot;
     slot.CopyFrom(&source);
-    EXPECT_EQ(slot.code(), 0x80004005u);
-    EXPECT_EQ(slot.text(), "from the platform");
-
     source.Clear();
-    EXPECT_EQ(slot.text(), "from the platform");
     slot.CopyFrom(&slot);
+    EXPECT_EQ(slot.code(), 0x80004005u);
     EXPECT_EQ(slot.text(), "from the platform");
     slot.CopyFrom(&source);
     EXPECT_FALSE(slot.IsSet());
-}
-
-TEST(ErrorSlot, CopyingFromNothingIsAnError) {
-    ErrorSlot slot;
     slot.CopyFrom(nullptr);
     EXPECT_EQ(slot.code(), 10005u);
     EXPECT_EQ(slot.text(), "NULL argument to m_copy_err()");
@@ -117,9 +93,6 @@ TEST(Messages, EachHasATextOfItsOwn) {
         EXPECT_EQ(text.data()[text.size()], '\0') << i;
         EXPECT_TRUE(seen.insert(text).second) << text;
     }
-}
-
-TEST(Messages, ANumberBeyondTheCatalogueIsUnknown) {
     EXPECT_EQ(MessageText(Message::Count), "Unknown Error");
     EXPECT_EQ(MessageText(static_cast<Message>(255)), "Unknown Error");
 }

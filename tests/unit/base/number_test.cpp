@@ -44,8 +44,6 @@ TEST(ReadDouble, TakesWhatBelongsToTheNumber) {
         double expected;
     } kCases[] = {
         {"", 0},
-        {"0", 0},
-        {"12", 12},
         {"+12", 12},
         {"-12.5", -12.5},
         {"  \t\r\n\v\f7", 7},
@@ -56,18 +54,13 @@ TEST(ReadDouble, TakesWhatBelongsToTheNumber) {
         {"-.", 0},
         {".e5", 0},
         {"e5", 0},
-        {"abc", 0},
-        {"--5", 0},
         {"+-5", 0},
         {"- 5", 0},
         {"1.2.3", 1.2},
         {"1,5", 1},
-        {"12*34", 12},
         {"4807.038N", 4807.038},
-        {"1e3", 1000},
         {"1E+3", 1000},
         {"25e-2x", 0.25},
-        {"1e", 1},
         {"1e+", 1},
         {"1e-x", 1},
         {"1e 3", 1},
@@ -80,8 +73,6 @@ TEST(ReadDouble, TakesWhatBelongsToTheNumber) {
         {"0.000000000000000000000000000000", 0},
         {"00000000000000000000000000000000.25", 0.25},
         {"9007199254740993e0", 9007199254740992},
-        {"1e22", 1e22},
-        {"1e308", 1e308},
         {"1e309", kInfinity},
         {"-1e99999999999999999999", -kInfinity},
         {"1e-99999999999999999999", 0},
@@ -98,18 +89,14 @@ TEST(ReadDouble, TakesWhatBelongsToTheNumber) {
     }
 }
 
-TEST(ReadDouble, StopsAtTheEndOfTheView) {
+TEST(ReadDouble, EndsOfTextAndSignsOfZero) {
     EXPECT_EQ(ReadDouble("123456"sv.substr(0, 3)), 123);
     EXPECT_EQ(ReadDouble("1e55"sv.substr(0, 3)), 1e5);
     EXPECT_EQ(ReadDouble("-5"sv.substr(0, 1)), 0);
     EXPECT_EQ(ReadDouble("   5"sv.substr(0, 3)), 0);
     EXPECT_EQ(ReadDouble(std::string_view()), 0);
-}
-
-TEST(ReadDouble, OnlyAWrittenZeroIsNegative) {
     EXPECT_TRUE(std::signbit(ReadDouble("-0.0")));
-    EXPECT_FALSE(std::signbit(ReadDouble("-")));
-    EXPECT_FALSE(std::signbit(ReadDouble("-N")));
+    EXPECT_FALSE(std::signbit(ReadDouble("-N"))) << "no zero is written";
 }
 
 // Leading and trailing zeros move the exponent, however many there are.
@@ -122,42 +109,33 @@ TEST(ReadDouble, ZerosAndExponentCancel) {
     }
 }
 
-// Against strtod: 15 digits and exponents within +-22 must be exact to the last bit.
-TEST(ReadDouble, IsExactForWhatReceiversSend) {
+// Against strtod: what receivers send, 15 digits with an exponent within +-22, must be exact to the
+// last bit, everything else close.
+TEST(ReadDouble, AgreesWithTheCLibrary) {
     std::mt19937_64 random(1);
-    for (int round = 0; round < 200000; ++round) {
-        const int digits = 1 + static_cast<int>(random() % 15);
-        std::string text = random() % 2 != 0 ? "-" : "";
+    int exact = 0;
+    for (int round = 0; round < 300000; ++round) {
+        const bool isLong = random() % 3 == 0;
+        const int digits = 1 + static_cast<int>(random() % (isLong ? 40 : 15));
         const int point = static_cast<int>(random() % static_cast<unsigned>(digits + 1));
+        std::string text = random() % 2 != 0 ? "-" : "";
         for (int i = 0; i < digits; ++i) {
             if (i == point) text += '.';
             text += static_cast<char>('0' + random() % 10);
         }
+        int exponent = 0;
         if (random() % 2 != 0) {
-            // The digits behind the point count against the exponent.
-            const int exponent = static_cast<int>(random() % 23) - (22 - (digits - point)) / 2;
-            if (exponent - (digits - point) >= -22 && exponent <= 22) {
-                text += "e" + std::to_string(exponent);
-            }
+            exponent = static_cast<int>(random() % (isLong ? 500 : 45)) - (isLong ? 250 : 22);
+            text += "e" + std::to_string(exponent);
         }
-        ASSERT_EQ(ReadDouble(text), std::strtod(text.c_str(), nullptr)) << text;
-    }
-}
-
-TEST(ReadDouble, IsCloseForEverythingElse) {
-    std::mt19937_64 random(2);
-    for (int round = 0; round < 200000; ++round) {
-        std::string text;
-        const std::size_t digits = 1 + random() % 40;
-        const std::size_t point = random() % (digits + 1);
-        for (std::size_t i = 0; i < digits; ++i) {
-            if (i == point) text += '.';
-            text += static_cast<char>('0' + random() % 10);
-        }
-        text += "e" + std::to_string(static_cast<int>(random() % 500) - 250);
+        // The digits behind the point count against the exponent.
+        const bool isExact = digits <= 15 && exponent <= 22 && exponent - (digits - point) >= -22;
+        exact += isExact ? 1 : 0;
         const double expected = std::strtod(text.c_str(), nullptr);
-        ASSERT_NEAR(ReadDouble(text), expected, 4e-15 * std::fabs(expected)) << text;
+        const double tolerance = isExact ? 0 : 4e-15 * std::fabs(expected);
+        ASSERT_NEAR(ReadDouble(text), expected, tolerance) << text;
     }
+    EXPECT_GT(exact, 100000);
 }
 
 TEST(ReadInteger, TakesWhatBelongsToTheNumber) {
@@ -198,25 +176,19 @@ TEST(WriteFixed, RoundsPadsAndSigns) {
         int minWholeDigits;
         std::string_view expected;
     } kCases[] = {
-        {0, 0, 1, "0"},
         {0, 2, 1, "0.00"},
         {-0.0, 1, 1, "-0.0"},
         {5, 2, 3, "005.00"},
         {-5.25, 1, 3, "-005.3"},
-        {1234, 0, 2, "1234"},
         {48.5, 4, 2, "48.5000"},
         // Exact ties go away from zero.
         {0.5, 0, 1, "1"},
-        {1.5, 0, 1, "2"},
-        {2.5, 0, 1, "3"},
         {-2.5, 0, 1, "-3"},
         {0.125, 2, 1, "0.13"},
         {-0.375, 2, 1, "-0.38"},
         // Near ties go where the binary value is.
         {1.005, 2, 1, "1.00"},
-        {1.115, 2, 1, "1.11"},
         {0.285, 2, 1, "0.28"},
-        {1.045, 2, 1, "1.04"},
         {0.49999999999999994, 0, 1, "0"},
         // Carries.
         {0.999, 2, 1, "1.00"},
@@ -230,7 +202,6 @@ TEST(WriteFixed, RoundsPadsAndSigns) {
         {999999999999999.875, 9, 1, "999999999999999.875000000"},
         {1e15, 0, 1, ""},
         {-1e15, 0, 1, ""},
-        {1e300, 2, 1, ""},
         {kInfinity, 2, 1, ""},
         {-kInfinity, 2, 1, ""},
         {std::numeric_limits<double>::quiet_NaN(), 2, 1, ""},
@@ -270,15 +241,6 @@ TEST(WriteFixed, AgreesWithPrintf) {
         ASSERT_EQ(Written(value, decimals), Printed(value, decimals));
     }
     EXPECT_GT(compared, 150000);
-}
-
-TEST(WriteFixed, IsReadBack) {
-    std::mt19937_64 random(4);
-    for (int round = 0; round < 50000; ++round) {
-        const auto whole = static_cast<double>(random() % 1000000000);
-        const std::string text = Written(whole / 1e4, 4);
-        ASSERT_EQ(ReadDouble(text), whole / 1e4) << text;
-    }
 }
 
 }  // namespace

@@ -8,14 +8,10 @@
 namespace kavrel {
 namespace {
 
-TEST(SmallText, IsEmptyAtFirst) {
-    SmallText<8> text;
-    EXPECT_EQ(text.view(), "");
-}
-
 // Every length around the limit, growing and shrinking across it.
 TEST(SmallText, HoldsAnyLength) {
     SmallText<8> text;
+    EXPECT_EQ(text.view(), "");
     const std::size_t kLengths[] = {0, 1, 7, 8, 9, 100, 8, 9, 0, 70000, 3};
     for (const std::size_t length : kLengths) {
         std::string expected(length, 'x');
@@ -23,18 +19,11 @@ TEST(SmallText, HoldsAnyLength) {
             expected[i] = static_cast<char>(i % 251);
         text.Assign(expected);
         EXPECT_EQ(text.view(), expected) << length;
+        if (length % 2 != 0) {
+            text.Clear();
+            EXPECT_EQ(text.view(), "");
+        }
     }
-}
-
-TEST(SmallText, ClearsAndIsUsableAgain) {
-    SmallText<8> text;
-    text.Assign("longer than eight characters");
-    text.Clear();
-    EXPECT_EQ(text.view(), "");
-    text.Assign("short");
-    EXPECT_EQ(text.view(), "short");
-    text.Clear();
-    EXPECT_EQ(text.view(), "");
 }
 
 TEST(SmallText, ResizeGivesTheRoomThatViewShows) {
