@@ -69,6 +69,8 @@ TEST_F(SatelliteAccumulatorTest, DropsWhatIsOutOfOrder) {
     EXPECT_EQ(Picture(), "GP6 GP7");
     EXPECT_TRUE(Feed("GLGSV,2,2,05,67,1,1,1"));
     EXPECT_EQ(Picture(), "GP6 GP7 GL66 GL67");
+    EXPECT_TRUE(Feed("GPGSV,1,1,00"));
+    EXPECT_EQ(Picture(), "GL66 GL67");
 }
 
 TEST_F(SatelliteAccumulatorTest, SkipsEmptyAndUpdatesRepeated) {
@@ -81,20 +83,6 @@ TEST_F(SatelliteAccumulatorTest, SkipsEmptyAndUpdatesRepeated) {
     EXPECT_EQ(Picture(), "GP8 GP9");
     EXPECT_EQ(Item(1).elevationDegrees, 44);
     EXPECT_EQ(Item(1).azimuthDegrees, 0);
-}
-
-TEST_F(SatelliteAccumulatorTest, EmptyGroupEmptiesThePicture) {
-    EXPECT_TRUE(Feed("GPGSV,1,1,01,05,3,3,3"));
-    EXPECT_TRUE(Feed("GPGSV,1,1,00"));
-    EXPECT_EQ(Picture(), "");
-}
-
-TEST_F(SatelliteAccumulatorTest, JoinsTalkersInTheOrderHeard) {
-    EXPECT_TRUE(Feed("GPGSV,1,1,02,05,1,1,1,07,1,1,1"));
-    EXPECT_TRUE(Feed("GAGSV,1,1,02,05,2,2,2,11,2,2,2"));
-    EXPECT_EQ(Picture(), "GP5 GP7 GA5 GA11");
-    EXPECT_TRUE(Feed("GPGSV,1,1,01,08,1,1,1"));
-    EXPECT_EQ(Picture(), "GP8 GA5 GA11");
 }
 
 // Since NMEA 4.1 a talker sends a group for each signal; they are one satellite each.
@@ -149,6 +137,9 @@ TEST_F(SatelliteAccumulatorTest, MarksUsedSatellites) {
     Feed("GPGSV,1,1,01,05,1,1,1");
     EXPECT_TRUE(Feed("GPGSA,A,1,,,,,,,,,,,,,,,"));
     EXPECT_EQ(Picture(), "GP5");
+    Feed("GPGSV,1,1,03,401,1,1,1,402,1,1,1,65535,1,1,1");
+    EXPECT_TRUE(Feed("GPGSA,A,3,402,402,65535,,,,,,,,,,1,1,1"));
+    EXPECT_EQ(Picture(), "GP401 GP402* GP65535*");
 }
 
 TEST_F(SatelliteAccumulatorTest, ConsecutiveListsAddUp) {
@@ -195,6 +186,12 @@ TEST_F(SatelliteAccumulatorTest, GarbageIsBounded) {
         Feed(talker + "GSV,1,1,01,05,1,1,1");
     }
     EXPECT_LE(accumulator_.picture().size(), SatelliteAccumulator::kMaxSources);
+    // A run longer than the lists keeps its last sentences.
+    Feed("GPGSV,1,1,02,05,1,1,1,99,1,1,1");
+    for (int i = 1; i < 100; ++i)
+        Feed("GPGSA,A,3," + std::to_string(i) + ",,,,,,,,,,,,1,1,1");
+    EXPECT_EQ(Picture().find("GP5*"), std::string::npos);
+    EXPECT_NE(Picture().find("GP99*"), std::string::npos);
     SatelliteAccumulator fresh;
     for (int i = 1; i <= 100; ++i) {
         const auto sentence = MakeRef<NmeaSentence>();

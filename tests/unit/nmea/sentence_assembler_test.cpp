@@ -122,14 +122,6 @@ TEST(SentenceAssembler, ChecksumMayBeMandatory) {
     EXPECT_THAT(Assembled(text, true), ElementsAre(Sentence("GPGGA,2")));
 }
 
-TEST(SentenceAssembler, SettingHoldsForWhatIsWaiting) {
-    SentenceAssembler assembler;
-    assembler.Append("$GPGGA,1\r\n$GPGGA,2\r\n");
-    ASSERT_TRUE(assembler.HasSentence());
-    assembler.SetChecksumMandatory(true);
-    EXPECT_FALSE(assembler.HasSentence());
-}
-
 TEST(SentenceAssembler, AppendTellsOfLineFeeds) {
     SentenceAssembler assembler;
     EXPECT_FALSE(assembler.Append(""));
@@ -138,43 +130,6 @@ TEST(SentenceAssembler, AppendTellsOfLineFeeds) {
     EXPECT_TRUE(assembler.Append("\nx"));
     // Also of one that the ring does not hold any more.
     EXPECT_TRUE(assembler.Append("\n" + std::string(5000, 'x')));
-}
-
-TEST(SentenceAssembler, SplitAnywhereItIsTheSame) {
-    const std::string text = "noise\r\n" + Line("GPGGA,1,,2") + "$GPGLL,1*00\r\n$GPRM" +
-                             Line("GPRMC,5") + "$PXYZ1,*\r\n" + Line("GPVTG,,T,,M");
-    const Texts expected = Assembled(text);
-    ASSERT_EQ(expected.size(), 3u);
-    for (std::size_t split = 0; split <= text.size(); ++split) {
-        SentenceAssembler assembler;
-        assembler.Append(std::string_view(text).substr(0, split));
-        Texts texts = TakeAll(assembler);
-        assembler.Append(std::string_view(text).substr(split));
-        for (std::string& rest : TakeAll(assembler))
-            texts.push_back(std::move(rest));
-        EXPECT_EQ(texts, expected) << split;
-    }
-
-    SentenceAssembler assembler;
-    Texts texts;
-    for (const char c : text) {
-        assembler.Append({&c, 1});
-        for (std::string& each : TakeAll(assembler))
-            texts.push_back(std::move(each));
-    }
-    EXPECT_EQ(texts, expected);
-}
-
-// The buffer's end falls on every position of a sentence.
-TEST(SentenceAssembler, WrapsAround) {
-    SentenceAssembler assembler;
-    std::size_t total = 0;
-    for (int i = 0; total < 150000; ++i) {
-        const std::string body = "GPTXT," + std::to_string(i) + std::string(i % 37, 'x');
-        assembler.Append(Line(body));
-        total += Line(body).size();
-        ASSERT_THAT(TakeAll(assembler), ElementsAre(Sentence(body)));
-    }
 }
 
 // A day of a quick receiver is a gigabyte. Sanitized builds, which take ten times as long, see a
@@ -219,42 +174,10 @@ TEST(SentenceAssembler, HoldsASentenceAsLongAsTheRing) {
     }
 }
 
-TEST(SentenceAssembler, KeepsTheLastOfTooMuch) {
-    std::string text;
-    while (text.size() < 1024 * 1024)
-        text += "$GPTXT," + std::to_string(text.size()) + "\r\n";
-    Texts expected;
-    const std::string kept = text.substr(text.size() - 512);
-    for (std::size_t at = kept.find('$'); at != std::string::npos; at = kept.find('$', at + 1)) {
-        expected.push_back(kept.substr(at, kept.find('\r', at) - at));
-    }
-
-    SentenceAssembler atOnce;
-    atOnce.Append(text);
-    EXPECT_EQ(TakeAll(atOnce), expected);
-
-    SentenceAssembler inPieces;
-    for (std::size_t at = 0; at < text.size(); at += 100) {
-        inPieces.Append(std::string_view(text).substr(at, 100));
-    }
-    EXPECT_EQ(TakeAll(inPieces), expected);
-    EXPECT_THAT(TakeAll(inPieces), IsEmpty());
-}
-
 TEST(SentenceAssembler, ATextOf65536IsNoEmptyText) {
     SentenceAssembler assembler;
     assembler.Append(std::string(65536 - 10, 'x') + "$GPGGA,1\r\n");
     EXPECT_THAT(TakeAll(assembler), ElementsAre("$GPGGA,1"));
-}
-
-TEST(SentenceAssembler, LosesTheOldestWhenUnreadTextOverflows) {
-    SentenceAssembler assembler;
-    ASSERT_TRUE(assembler.Append("$GPGGA,1\r\n$GPGGA,2\r\n"));
-    ASSERT_TRUE(assembler.HasSentence());
-    EXPECT_EQ(assembler.TakeSentence()->Text(), "$GPGGA,1");
-    // Ten characters wait; 503 more push out the "$" of the waiting sentence.
-    assembler.Append(std::string(493, 'x') + "$GPGGA,3\r\n");
-    EXPECT_THAT(TakeAll(assembler), ElementsAre("$GPGGA,3"));
 }
 
 TEST(SentenceAssembler, UsesASentenceAgainThatNobodyKeeps) {

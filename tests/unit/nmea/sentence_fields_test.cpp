@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
-#include "unit/nmea/reference_sentence.h"
 #include "unit/nmea/sentence_text.h"
 
 namespace kavrel {
@@ -57,32 +54,6 @@ TEST(Decode, LeavesAloneWhatIsOfAnotherType) {
     ASSERT_TRUE(gll.Decode(*sentence));
     EXPECT_FALSE(gll.Decode(*Make("GPGGA,1,2,3,4,5,6")));
     EXPECT_TRUE(gll.IsValid());
-}
-
-// With stars in odd places, with more fields than ordinary sentences have, and changed.
-TEST(FieldOrEmpty, FollowsTheRules) {
-    std::string many = "GPXXX";
-    for (int i = 0; i < 40; ++i)
-        many += "," + std::to_string(i);
-    for (const std::string& body :
-         {std::string("GPXXX"), std::string("GPXXX,"), std::string("GPXXX,a*b,c,d"),
-          std::string("GPXXX,a,*,*b,c*d"), std::string("GP*XX,a,b"), std::string("GPXXX,a,b*,"),
-          many, many + ",*", many.substr(0, 5 + 24 * 2), many.substr(0, 5 + 25 * 2)}) {
-        const Ref<NmeaSentence> sentence = Make(body);
-        ReferenceSentence reference;
-        reference.SetText(Sentence(body));
-        for (const bool isEdited : {false, true}) {
-            if (isEdited) {
-                sentence->SetField(2, "edited");
-                reference.SetField(2, "edited");
-            }
-            for (std::int32_t i = -1; i < 45; ++i) {
-                std::string expected;
-                reference.Field(i, expected);
-                EXPECT_EQ(sentence->FieldOrEmpty(i), expected) << body << " " << i;
-            }
-        }
-    }
 }
 
 }  // namespace
