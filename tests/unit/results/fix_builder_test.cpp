@@ -73,11 +73,6 @@ TEST_F(FixBuilderTest, InvalidSentencesGiveAndLeaveNothing) {
     const Ref<GpsFix> fix = Feed(kGll);
     EXPECT_EQ(fix->MakePosition()->Altitude(0), 545.4);
     EXPECT_GT(*fix->Utc(), 34416);
-}
-
-TEST_F(FixBuilderTest, ForgetsWhenCleared) {
-    Feed(kGga);
-    Feed(kRmc);
     builder_.Clear();
     EXPECT_EQ(Feed(kGll)->FixType(), kFixWithoutAltitude);
     EXPECT_LT(*Feed(kGll)->Utc(), 1.0);
@@ -86,12 +81,13 @@ TEST_F(FixBuilderTest, ForgetsWhenCleared) {
 // A later change of the sentence, or of a position handed out, is not seen in the fix.
 TEST_F(FixBuilderTest, FixesNeverChange) {
     const Ref<NmeaSentence> sentence = MakeSentence(kRmc);
-    const auto fix = MakeRef<GpsFix>(builder_.Build(DecodeValues(*sentence)), kDatumWgs84);
+    const auto fix = MakeRef<GpsFix>(builder_.Build(DecodeValues(*sentence)), DatumId{5});
     sentence->SetField(3, "1000.000");
     EXPECT_EQ(sentence->Text().substr(0, 7), "$GPRMC,");
     const Ref<Position> first = fix->MakePosition();
     const Ref<Position> second = fix->MakePosition();
     EXPECT_FALSE(first == second);
+    EXPECT_EQ(second->Datum(), 5);
     first->PutLatitude(0);
     EXPECT_NEAR(second->Latitude(), 48.1173, 1e-12);
     EXPECT_NEAR(fix->MakePosition()->Latitude(), 48.1173, 1e-12);
@@ -106,12 +102,6 @@ TEST_F(FixBuilderTest, CopiesAFix) {
     EXPECT_NEAR(*copy->Utc(), 34416.524537037, 1e-9);
     EXPECT_EQ(copy->MakePosition()->Altitude(0), 545.4);
     EXPECT_FALSE(fix->Copy()->MakePosition());
-}
-
-TEST_F(FixBuilderTest, PositionsAreOnTheReceiversDatum) {
-    const auto fix = MakeRef<GpsFix>(builder_.Build(DecodeValues(*MakeSentence(kRmc))), DatumId{5});
-    EXPECT_EQ(fix->MakePosition()->Datum(), 5);
-    EXPECT_NEAR(fix->MakePosition()->Latitude(), 48.1173, 1e-12);
 }
 
 }  // namespace

@@ -35,6 +35,10 @@ TEST(RebuildSentence, WritesOwnValues) {
     const MovementValues movement{10.0, 5.0, 6.5, true};
     EXPECT_EQ(RebuildSentence(*MakeRef<Movement>(movement))->Text(),
               Sentence("GPVTG,005.00,T,358.50,M,10.00,N,18.52,K"));
+    const auto bare = MakeRef<NmeaGga>(MakeSentence("GPVTG,1"), kDatumWgs84);
+    const std::string text(RebuildSentence(*bare)->Text());
+    EXPECT_EQ(text.substr(0, 7), "$GPGGA,");
+    EXPECT_EQ(text.substr(13, 22), ",,,,,0,00,0.00,,M,,M,,");
 }
 
 TEST(NmeaRmc, WritesItsSentenceAnewForAnotherSpeed) {

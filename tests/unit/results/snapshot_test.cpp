@@ -42,10 +42,7 @@ TEST(Satellites, HasNoItemsOutside) {
     EXPECT_EQ(satellites->Count(), 2);
     EXPECT_FALSE(satellites->error().IsSet());
     EXPECT_FALSE(MakeRef<Satellites>(std::vector<SatelliteValues>())->Item(1));
-}
 
-TEST(Satellites, FindsByNumber) {
-    const auto satellites = MakeRef<Satellites>(Picture());
     EXPECT_TRUE(satellites->Find(7) == satellites->Item(1));
     EXPECT_TRUE(satellites->Find(65536 + 9) == satellites->Item(2));
     satellites->Item(0);
