@@ -51,39 +51,27 @@ TEST(CoordinateText, NeverTooLong) {
     }
 }
 
+// Just below a whole degree a latitude is nudged over and a longitude carried: both must get there.
 TEST(Dms, Carries) {
     struct Case {
         double degrees;
-        Dms latitude;
-        Dms longitude;
+        Dms expected;
     };
-    const Case cases[] = {
-        {0.0, {0, 0, 0.0}, {0, 0, 0.0}},
-        {59.999999999, {60, 0, 0.0}, {60, 0, 0.0}},
-        {-10.5, {10, 30, 0.0}, {10, 30, 0.0}},
-        {45.0 + 29.0 / 60 + 59.9996 / 3600, {45, 30, 0.0}, {45, 30, 0.0}},
-        {12.0 + 34.0 / 60 + 56.789 / 3600, {12, 34, 56.789}, {12, 34, 56.789}},
-    };
+    const Case cases[] = {{0.0, {0, 0, 0.0}},
+                          {59.999999999, {60, 0, 0.0}},
+                          {-10.5, {10, 30, 0.0}},
+                          {45.0 + 29.0 / 60 + 59.9996 / 3600, {45, 30, 0.0}},
+                          {12.0 + 34.0 / 60 + 56.789 / 3600, {12, 34, 56.789}},
+                          {30.0 - 1e-13, {30, 0, 0.0}},
+                          {30.0 - 2e-11, {30, 0, 0.0}},
+                          {30.0 - 7e-11, {30, 0, 0.0}},
+                          {30.0 - 1e-8, {30, 0, 0.0}}};
     for (const Case& c : cases) {
-        const Dms latitude = DmsOfLatitude(RadsFromDegrees(c.degrees));
-        const Dms longitude = DmsOfLongitude(RadsFromDegrees(c.degrees));
-        EXPECT_EQ(latitude.degrees, c.latitude.degrees) << c.degrees;
-        EXPECT_EQ(latitude.minutes, c.latitude.minutes) << c.degrees;
-        EXPECT_NEAR(latitude.seconds, c.latitude.seconds, 1e-12) << c.degrees;
-        EXPECT_EQ(longitude.degrees, c.longitude.degrees) << c.degrees;
-        EXPECT_EQ(longitude.minutes, c.longitude.minutes) << c.degrees;
-        EXPECT_NEAR(longitude.seconds, c.longitude.seconds, 1e-12) << c.degrees;
-    }
-}
-
-// Just below a whole degree a latitude is nudged over and a longitude carried: both must get there.
-TEST(Dms, JustBelowADegree) {
-    for (const double below : {1e-13, 2e-11, 7e-11, 1e-9, 1e-8}) {
-        const double rads = RadsFromDegrees(30.0 - below);
+        const double rads = RadsFromDegrees(c.degrees);
         for (const Dms& dms : {DmsOfLatitude(rads), DmsOfLongitude(rads)}) {
-            EXPECT_EQ(dms.degrees, 30) << below;
-            EXPECT_EQ(dms.minutes, 0) << below;
-            EXPECT_EQ(dms.seconds, 0.0) << below;
+            EXPECT_EQ(dms.degrees, c.expected.degrees) << c.degrees;
+            EXPECT_EQ(dms.minutes, c.expected.minutes) << c.degrees;
+            EXPECT_NEAR(dms.seconds, c.expected.seconds, 1e-12) << c.degrees;
         }
     }
 }

@@ -11,8 +11,10 @@ TEST(CustomDatum, StartsWithZeros) {
     EXPECT_EQ(MakeRef<CustomDatum>()->Values(), DatumParameters{});
 }
 
-TEST(CustomDatum, RotationsAreArcSecondsOutsideAndRadiansInside) {
+TEST(CustomDatum, ConvertsWhatIsPut) {
     const auto datum = MakeRef<CustomDatum>();
+    datum->PutE2(-0.0067);
+    EXPECT_EQ(datum->E2(), 0.0067);
     datum->PutRotX(1.0);
     datum->PutRotY(-2.0);
     datum->PutRotZ(3.0);
@@ -22,43 +24,38 @@ TEST(CustomDatum, RotationsAreArcSecondsOutsideAndRadiansInside) {
     EXPECT_NEAR(datum->RotZ(), 3.0, 1e-15);
 }
 
-TEST(CustomDatum, E2LosesItsSign) {
-    const auto datum = MakeRef<CustomDatum>();
-    datum->PutE2(-0.0067);
-    EXPECT_EQ(datum->E2(), 0.0067);
+// Each property changes equality, so none is forgotten or stored over another.
+template <typename T, std::size_t kCount>
+void ExpectEqualByAll(void (T::*const (&puts)[kCount])(double),
+                      bool (*areEqual)(const Ref<T>&, const Ref<T>&)) {
+    for (const auto put : puts) {
+        const auto one = MakeRef<T>();
+        const auto other = MakeRef<T>();
+        ((*one).*put)(5.5);
+        EXPECT_FALSE(areEqual(one, other));
+        ((*other).*put)(5.5);
+        EXPECT_TRUE(areEqual(one, other));
+        ((*other).*put)(5.500000000000001);
+        EXPECT_FALSE(areEqual(one, other));
+    }
 }
 
-// Each property changes equality, so none is forgotten or stored over another.
 TEST(CustomDatum, EqualByAllNineValues) {
-    using Put = void (CustomDatum::*)(double);
-    for (const Put put :
-         {&CustomDatum::PutSemiMajorAxis, &CustomDatum::PutE2, &CustomDatum::PutDeltaX,
-          &CustomDatum::PutDeltaY, &CustomDatum::PutDeltaZ, &CustomDatum::PutRotX,
-          &CustomDatum::PutRotY, &CustomDatum::PutRotZ, &CustomDatum::PutScaleFactor}) {
-        const auto one = MakeRef<CustomDatum>();
-        const auto other = MakeRef<CustomDatum>();
-        ((*one).*put)(5.5);
-        EXPECT_FALSE(IsSameDatum({kDatumCustom, one}, {kDatumCustom, other}));
-        ((*other).*put)(5.5);
-        EXPECT_TRUE(IsSameDatum({kDatumCustom, one}, {kDatumCustom, other}));
-        ((*other).*put)(5.500000000000001);
-        EXPECT_FALSE(IsSameDatum({kDatumCustom, one}, {kDatumCustom, other}));
-    }
+    ExpectEqualByAll<CustomDatum>(
+        {&CustomDatum::PutSemiMajorAxis, &CustomDatum::PutE2, &CustomDatum::PutDeltaX,
+         &CustomDatum::PutDeltaY, &CustomDatum::PutDeltaZ, &CustomDatum::PutRotX,
+         &CustomDatum::PutRotY, &CustomDatum::PutRotZ, &CustomDatum::PutScaleFactor},
+        [](const auto& one, const auto& other) {
+            return IsSameDatum({kDatumCustom, one}, {kDatumCustom, other});
+        });
 }
 
 TEST(CustomGrid, EqualByAllValues) {
-    using Put = void (CustomGrid::*)(double);
-    for (const Put put :
-         {&CustomGrid::PutFalseEasting, &CustomGrid::PutFalseNorthing,
-          &CustomGrid::PutLongitudeOfOrigin, &CustomGrid::PutLatitudeOfOrigin,
-          &CustomGrid::PutScaleFactor, &CustomGrid::PutLatitudeSP1, &CustomGrid::PutLatitudeSP2}) {
-        const auto one = MakeRef<CustomGrid>();
-        const auto other = MakeRef<CustomGrid>();
-        ((*one).*put)(0.25);
-        EXPECT_FALSE(CustomGrid::AreEqual(*one, *other));
-        ((*other).*put)(0.25);
-        EXPECT_TRUE(CustomGrid::AreEqual(*one, *other));
-    }
+    ExpectEqualByAll<CustomGrid>(
+        {&CustomGrid::PutFalseEasting, &CustomGrid::PutFalseNorthing,
+         &CustomGrid::PutLongitudeOfOrigin, &CustomGrid::PutLatitudeOfOrigin,
+         &CustomGrid::PutScaleFactor, &CustomGrid::PutLatitudeSP1, &CustomGrid::PutLatitudeSP2},
+        [](const auto& one, const auto& other) { return CustomGrid::AreEqual(*one, *other); });
     const auto one = MakeRef<CustomGrid>();
     const auto other = MakeRef<CustomGrid>();
     one->PutAlgorithm(3);

@@ -46,19 +46,6 @@ TEST(DatumShift, DoesNotReturnToItsStart) {
     EXPECT_LT(metres, 0.030);
 }
 
-// Without rotations it is an inverse of itself.
-TEST(DatumShift, TranslationsComeBack) {
-    for (const DatumId datum : {2, 3, 11, 14, 15, 19, 20, 21, 22, 23}) {
-        const auto there = *ParametersOf({datum, nullptr});
-        const auto wgs84 = *ParametersOf({1, nullptr});
-        const GeodeticPoint start{{-0.7, 2.9}, 123.0};
-        const GeodeticPoint back = ShiftDatum(ShiftDatum(start, there, wgs84), wgs84, there);
-        EXPECT_NEAR(back.latitudeRads, start.latitudeRads, 1e-15) << datum;
-        EXPECT_NEAR(back.longitudeRads, start.longitudeRads, 1e-15) << datum;
-        EXPECT_NEAR(back.heightMetres, start.heightMetres, 5e-9) << datum;
-    }
-}
-
 // Poles, the earth's centre and ellipsoids of no sense go the literal way and may yield anything
 // but a hang or a trap.
 TEST(DatumShift, OddInput) {

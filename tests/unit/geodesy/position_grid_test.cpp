@@ -65,65 +65,36 @@ TEST(PositionGrid, LastWrittenSideWins) {
     EXPECT_EQ(p->Northing(), 2);
 }
 
-TEST(PositionGrid, GridChangeKeepsThePoint) {
-    const auto p = PositionAt(0, 0, 2);
-    p->PutGrid(27);
-    p->PutEasting(648583.2621);
-    p->PutNorthing(6855774.7157);
-    p->PutGrid(13);
-    EXPECT_NEAR(p->Latitude(), 48.8, 1e-9);
-    EXPECT_NEAR(p->Longitude(), 2.3, 1e-9);
-    EXPECT_EQ(p->Zone(), "31U");
-}
-
-TEST(SixDegreeZones, AtTheirBorders) {
+TEST(SixDegreeZones, BordersAndBandLetters) {
     struct Case {
-        double longitude;
+        double latitude, longitude;
         const char* zone;
     };
     for (const Case& c :
-         {Case{-180, "1N"}, Case{-174.0000001, "1N"}, Case{-173.9999999, "2N"},
-          Case{-0.0000001, "30N"}, Case{0, "31N"}, Case{5.9999999, "31N"}, Case{6, "32N"},
-          Case{179.9999999, "60N"}, Case{180, "60N"}, Case{181, "1N"}}) {
-        const auto p = PositionAt(0, 0);
+         {Case{0, -180, "1N"},        Case{0, -174.0000001, "1N"}, Case{0, -173.9999999, "2N"},
+          Case{0, -0.0000001, "30N"}, Case{0, 0, "31N"},           Case{0, 5.9999999, "31N"},
+          Case{0, 6, "32N"},          Case{0, 179.9999999, "60N"}, Case{0, 180, "60N"},
+          Case{0, 181, "1N"},         Case{-90, 3, "31B"},         Case{-80, 3, "31C"},
+          Case{-72.1, 3, "31C"},      Case{-40.1, 3, "31G"},       Case{-40, 3, "31H"},
+          Case{-24, 3, "31K"},        Case{-0.1, 3, "31M"},        Case{8, 3, "31P"},
+          Case{71.9, 3, "31W"},       Case{72, 3, "31X"},          Case{79.9, 3, "31X"},
+          Case{80, 3, "31Y"},         Case{88, 3, "31Z"}}) {
+        const auto p = PositionAt(c.latitude, 0);
         p->PutLongitude(c.longitude);
         p->PutGrid(1);
-        EXPECT_EQ(p->Zone(), c.zone) << c.longitude;
+        EXPECT_EQ(p->Zone(), c.zone) << c.latitude << " " << c.longitude;
         EXPECT_EQ(ErrorOf(*p), "");
         EXPECT_NEAR(p->Easting(), 500000, 334001) << c.longitude;
     }
-}
-
-// The zone belongs to the longitude on the grid's datum: 6 degrees on datum 25 is further east.
-TEST(SixDegreeZones, ByTheGridsDatum) {
+    // The zone belongs to the longitude on the grid's datum: 6 degrees on 25 is further east.
     const auto p = PositionAt(50, 6.0 - 1e-5, 1);
     p->PutGrid(28);
     EXPECT_EQ(p->Zone(), "32U");
-}
-
-TEST(SixDegreeZones, BandLetters) {
-    struct Case {
-        double latitude;
-        const char* zone;
-    };
-    for (const Case& c : {Case{-90, "31B"}, Case{-80, "31C"}, Case{-72.1, "31C"},
-                          Case{-40.1, "31G"}, Case{-40, "31H"}, Case{-24, "31K"}, Case{-0.1, "31M"},
-                          Case{0, "31N"}, Case{8, "31P"}, Case{71.9, "31W"}, Case{72, "31X"},
-                          Case{79.9, "31X"}, Case{80, "31Y"}, Case{88, "31Z"}}) {
-        const auto p = PositionAt(c.latitude, 3);
-        p->PutGrid(1);
-        EXPECT_EQ(p->Zone(), c.zone) << c.latitude;
-    }
-}
-
-TEST(SixDegreeZones, LetterIsCachedWithinAZone) {
-    const auto p = PositionAt(0, 3);
-    p->PutGrid(1);
-    EXPECT_EQ(p->Zone(), "31N");
-    p->PutLatitude(50);
-    EXPECT_EQ(p->Zone(), "31N");
-    p->PutLongitude(9);
+    // The letter is kept within a zone.
+    p->PutLatitude(0);
     EXPECT_EQ(p->Zone(), "32U");
+    p->PutLongitude(3);
+    EXPECT_EQ(p->Zone(), "31N");
 }
 
 TEST(SixDegreeZones, LetterComesFromTheGridSide) {
@@ -133,6 +104,17 @@ TEST(SixDegreeZones, LetterComesFromTheGridSide) {
     p->PutEasting(676509.2272);
     p->PutNorthing(6577565.3173);
     EXPECT_EQ(p->Zone(), "33V");
+}
+
+TEST(PositionGrid, GridChangeKeepsThePoint) {
+    const auto p = PositionAt(0, 0, 2);
+    p->PutGrid(27);
+    p->PutEasting(648583.2621);
+    p->PutNorthing(6855774.7157);
+    p->PutGrid(13);
+    EXPECT_NEAR(p->Latitude(), 48.8, 1e-9);
+    EXPECT_NEAR(p->Longitude(), 2.3, 1e-9);
+    EXPECT_EQ(p->Zone(), "31U");
 }
 
 TEST(SixDegreeZones, FixedZone) {
@@ -230,10 +212,6 @@ TEST(Zones, TablesNeedOne) {
 }
 
 TEST(Strips, ZoneStandsInTheEasting) {
-    const auto p = PositionAt(52.4, 9.7, 18);
-    p->PutGrid(29);
-    EXPECT_NEAR(p->Easting(), 3547638.8181, 1e-4);
-    EXPECT_EQ(p->Zone(), "3");
     // Without the zone in front, with it, and with it alone.
     for (const double easting : {547638.8181, 3547638.8181}) {
         const auto q = PositionAt(0, 0, 18);

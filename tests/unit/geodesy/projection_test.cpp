@@ -117,20 +117,6 @@ TEST(TransverseMercator, QuarterMeridian) {
     }
 }
 
-TEST(TransverseMercator, Bounds) {
-    const auto projection =
-        PrepareProjection(Parameters(Algorithm::TransverseMercator, 34, 170, 0, 1.0));
-    PlanePoint plane;
-    GeoPoint point;
-    EXPECT_TRUE(projection->Forward({0.0, RadsFromDegrees(-140.1)}, plane));  // 49.9 degrees away
-    EXPECT_TRUE(projection->Inverse(plane, point));
-    EXPECT_NEAR(point.longitudeRads, RadsFromDegrees(-140.1), 1e-9);
-    EXPECT_FALSE(projection->Forward({0.0, RadsFromDegrees(-139.9)}, plane));
-    EXPECT_FALSE(projection->Forward({kHalfPi + 1e-8, RadsFromDegrees(170.0)}, plane));
-    EXPECT_FALSE(projection->Inverse({500000.0, 1.1e7}, point));
-    EXPECT_FALSE(projection->Inverse({9e6, 0.0}, point));
-}
-
 TEST(Projection, RefusesWhatIsNoNumber) {
     for (const Case& c : kClosedAndSeries) {
         SCOPED_TRACE(c.name);
@@ -169,34 +155,6 @@ TEST(Projection, RefusesWhatDescribesNone) {
     EXPECT_FALSE(with([](auto& p) { p.ellipsoid.e2 = kNan; }));
 }
 
-TEST(LambertConic, Poles) {
-    const auto north =
-        PrepareProjection(Parameters(Algorithm::LambertConic, 34, 10, 45, 1.0, 40, 50));
-    PlanePoint plane;
-    GeoPoint point;
-    ASSERT_TRUE(north->Forward({kHalfPi, 0.0}, plane));
-    EXPECT_EQ(plane.eastingMetres, 500000.0);
-    ASSERT_TRUE(north->Inverse(plane, point));
-    EXPECT_NEAR(point.latitudeRads, kHalfPi, 1e-9);
-    EXPECT_FALSE(north->Forward({-kHalfPi, 0.0}, plane));
-
-    const auto south =
-        PrepareProjection(Parameters(Algorithm::LambertConic, 34, 10, -45, 1.0, -40, -50));
-    ASSERT_TRUE(south->Forward({-kHalfPi, 0.0}, plane));
-    EXPECT_FALSE(south->Forward({kHalfPi, 0.0}, plane));
-}
-
-TEST(LambertConic, DegenerateCones) {
-    PlanePoint plane;
-    // A cylinder; and an origin at the far pole.
-    EXPECT_FALSE(PrepareProjection(Parameters(Algorithm::LambertConic, 34, 0, 0, 1.0, 30, -30))
-                     ->Forward({0.5, 0.0}, plane));
-    EXPECT_FALSE(PrepareProjection(Parameters(Algorithm::LambertConic, 34, 0, 0, 1.0, 0, 0))
-                     ->Forward({0.5, 0.0}, plane));
-    EXPECT_FALSE(PrepareProjection(Parameters(Algorithm::LambertConic, 34, 0, -90, 1.0, 40, 50))
-                     ->Forward({0.5, 0.0}, plane));
-}
-
 TEST(LambertConic, ParallelsInEitherOrderAndAScaleNeverSet) {
     PlanePoint one;
     PlanePoint other;
@@ -218,37 +176,64 @@ TEST(LambertConic, Gap) {
     EXPECT_TRUE(projection->Inverse({500000.0, -200000.0 - 5e6}, point));
 }
 
-TEST(LocalProjections, Edges) {
-    struct Edge {
-        Algorithm algorithm;
-        std::int16_t zone;
-        double latitude, longitude;
-        bool isInside;
-    };
+struct Edge {
+    ProjectionParameters parameters;
+    double latitude, longitude;
+    bool isInside;
+};
+
+ProjectionParameters Local(Algorithm algorithm, std::int16_t zone = 0) {
+    ProjectionParameters parameters = Parameters(algorithm, 5, 7.4, 47, 1.0);
+    parameters.zone = zone;
+    return parameters;
+}
+
+ProjectionParameters Conic(double origin, double parallel1, double parallel2) {
+    return Parameters(Algorithm::LambertConic, 34, 10, origin, 1.0, parallel1, parallel2);
+}
+
+TEST(Projection, Edges) {
+    const auto swiss = Local(Algorithm::SwissOblique);
+    const auto dutch = Local(Algorithm::ObliqueStereographic);
+    const auto newZealand = Local(Algorithm::NewZealandMapGrid);
+    const auto jutland = Local(Algorithm::DanishSystem34, 1);
+    const auto sealand = Local(Algorithm::DanishSystem34, 2);
+    const auto bornholm = Local(Algorithm::DanishSystem45);
+    const auto mercator = Parameters(Algorithm::TransverseMercator, 34, 170, 0, 1.0);
     const Edge edges[] = {
-        {Algorithm::SwissOblique, 0, 56.0, 7.0, true},
-        {Algorithm::SwissOblique, 0, 58.0, 7.0, false},
-        {Algorithm::SwissOblique, 0, 47.0, 18.0, false},
-        {Algorithm::ObliqueStereographic, 0, 47.0, 16.9, true},
-        {Algorithm::ObliqueStereographic, 0, 47.0, 17.5, false},
-        {Algorithm::NewZealandMapGrid, 0, -30.0, 160.0, true},
-        {Algorithm::NewZealandMapGrid, 0, -50.0, -175.0, true},
-        {Algorithm::NewZealandMapGrid, 0, -29.9, 173.0, false},
-        {Algorithm::NewZealandMapGrid, 0, -41.0, 159.9, false},
-        {Algorithm::NewZealandMapGrid, 0, -41.0, -174.9, false},
-        {Algorithm::DanishSystem34, 1, 56.0, 9.0, true},
-        {Algorithm::DanishSystem34, 2, 56.0, 9.0, false},
-        {Algorithm::DanishSystem34, 2, 55.7, 12.5, true},
-        {Algorithm::DanishSystem34, 1, 55.7, 12.8, false},
-        {Algorithm::DanishSystem45, 0, 55.1, 14.9, true},
-        {Algorithm::DanishSystem45, 0, 55.7, 12.5, false},
-        {Algorithm::DanishSystem34, 1, -33.0, 151.0, false},
+        {mercator, 0.0, -140.1, true},  // 49.9 degrees away
+        {mercator, 0.0, -139.9, false},
+        {mercator, 90.000001, 170.0, false},
+        {swiss, 56.0, 7.0, true},
+        {swiss, 58.0, 7.0, false},
+        {swiss, 47.0, 18.0, false},
+        {dutch, 47.0, 16.9, true},
+        {dutch, 47.0, 17.5, false},
+        {newZealand, -30.0, 160.0, true},
+        {newZealand, -50.0, -175.0, true},
+        {newZealand, -29.9, 173.0, false},
+        {newZealand, -41.0, 159.9, false},
+        {newZealand, -41.0, -174.9, false},
+        {jutland, 56.0, 9.0, true},
+        {sealand, 56.0, 9.0, false},
+        {sealand, 55.7, 12.5, true},
+        {jutland, 55.7, 12.8, false},
+        {jutland, -33.0, 151.0, false},
+        {bornholm, 55.1, 14.9, true},
+        {bornholm, 55.7, 12.5, false},
+        {Conic(45, 40, 50), 90.0, 10.0, true},
+        {Conic(45, 40, 50), -90.0, 10.0, false},
+        {Conic(-45, -40, -50), -90.0, 10.0, true},
+        {Conic(-45, -40, -50), 90.0, 10.0, false},
+        // Cylinders; and an origin at the far pole.
+        {Conic(0, 30, -30), 30.0, 0.0, false},
+        {Conic(0, 0, 0), 30.0, 0.0, false},
+        {Conic(-90, 40, 50), 30.0, 0.0, false},
     };
     for (const Edge& edge : edges) {
-        SCOPED_TRACE(testing::Message() << edge.latitude << " " << edge.longitude);
-        ProjectionParameters parameters = Parameters(edge.algorithm, 5, 7.4, 47, 1.0);
-        parameters.zone = edge.zone;
-        const auto projection = PrepareProjection(parameters);
+        SCOPED_TRACE(testing::Message() << static_cast<int>(edge.parameters.algorithm) << " at "
+                                        << edge.latitude << " " << edge.longitude);
+        const auto projection = PrepareProjection(edge.parameters);
         PlanePoint plane;
         GeoPoint back;
         const GeoPoint point{RadsFromDegrees(edge.latitude), RadsFromDegrees(edge.longitude)};
@@ -258,6 +243,9 @@ TEST(LocalProjections, Edges) {
         EXPECT_NEAR(back.latitudeRads, point.latitudeRads, 1e-8);
         EXPECT_NEAR(back.longitudeRads, point.longitudeRads, 1e-8);
     }
+    GeoPoint point;
+    EXPECT_FALSE(PrepareProjection(mercator)->Inverse({500000.0, 1.1e7}, point));
+    EXPECT_FALSE(PrepareProjection(mercator)->Inverse({9e6, 0.0}, point));
 }
 
 }  // namespace

@@ -18,19 +18,29 @@ void ExpectBearing(double actual, double expected, double tolerance = 1e-5) {
     EXPECT_LT(actual, 360.0);
 }
 
-TEST(Distance, GreatCircles) {
+TEST(DistanceAndBearing, OnGreatCircles) {
     struct Case {
-        double lat1, lon1, lat2, lon2, rads;
+        double lat1, lon1, lat2, lon2, rads, bearing;
     };
-    for (const Case& c : {Case{0, 0, 0, 90, kHalfPi}, Case{0, 0, 90, 0, kHalfPi},
-                          Case{0, 179, 0, -179, RadsFromDegrees(2)}, Case{90, 0, -90, 0, kPi},
-                          Case{45, 10, 45, 10, 0}, Case{89, 0, 89, 180, RadsFromDegrees(2)},
-                          Case{60, 0, 60, 180, RadsFromDegrees(60)}}) {
+    const double quarter = kHalfPi;
+    for (const Case& c :
+         {Case{0, 0, 0, 90, quarter, 90}, Case{0, 0, 90, 0, quarter, 0},
+          Case{0, 0, 0, -10, RadsFromDegrees(10), 270},
+          Case{30, 20, 10, 20, RadsFromDegrees(20), 180},
+          Case{0, 179, 0, -179, RadsFromDegrees(2), 90}, Case{90, 0, -90, 0, kPi, 180},
+          Case{90, 0, 10, 50, RadsFromDegrees(80), 180},
+          Case{-90, 0, 10, 50, RadsFromDegrees(100), 0}, Case{45, 10, 45, 10, 0, 0},
+          Case{89, 0, 89, 180, RadsFromDegrees(2), 0}, Case{0, 0, 45, 90, quarter, 45},
+          Case{0, 0, -45, 90, quarter, 135}}) {
         const auto a = PositionAt(c.lat1, c.lon1);
         const auto b = PositionAt(c.lat2, c.lon2);
         EXPECT_NEAR(a->Distance(b.get(), 2), c.rads, 1e-12);
         EXPECT_NEAR(a->Distance(b.get(), 1), c.rads * kRadius, 1e-5);
+        ExpectBearing(a->Bearing(b.get(), 1), c.bearing, 1e-4);
+        EXPECT_EQ(a->Bearing(b.get(), 1), a->Bearing(b.get(), 2));
         EXPECT_EQ(ErrorOf(*a), "");
+        EXPECT_EQ(a->Bearing(a.get(), 1), 0.0);
+        EXPECT_EQ(a->Distance(a.get(), 1), 0.0);
     }
 }
 
@@ -106,8 +116,12 @@ TEST(Distance, InTheGrid) {
 
     p->PutLatitude(0);
     p->PutLongitude(-120);
-    EXPECT_EQ(a->Distance(p.get(), 3), 0.0);
-    EXPECT_EQ(ErrorOf(*a), "Position outside grid");
+    for (const int grid : {1, 3}) {  // another grid than the other's, and the same
+        a->PutGrid(3);
+        p->PutGrid(grid);
+        EXPECT_EQ(a->Distance(p.get(), 3), 0.0);
+        EXPECT_EQ(ErrorOf(*a), "Position outside grid");
+    }
 }
 
 // This position can tell its plane point, but not the zone that the other one is to be put into.
@@ -123,44 +137,6 @@ TEST(Distance, FailsWhereThisPositionsZoneCannotBeTold) {
     EXPECT_EQ(here->Distance(there.get(), 3), 0.0);
     EXPECT_EQ(here->error().text(), "Position outside grid");
     EXPECT_EQ(here->Bearing(there.get(), 3), 0.0);
-}
-
-TEST(Bearing, Directions) {
-    struct Case {
-        double lat1, lon1, lat2, lon2, degrees;
-    };
-    for (const Case& c : {Case{0, 0, 0, 10, 90}, Case{0, 0, 0, -10, 270}, Case{10, 20, 30, 20, 0},
-                          Case{30, 20, 10, 20, 180}, Case{90, 0, 10, 50, 180},
-                          Case{-90, 0, 10, 50, 0}, Case{5, 5, 5, 5, 0}, Case{0, 179, 0, -179, 90},
-                          Case{0, 0, 45, 90, 45}, Case{0, 0, -45, 90, 135}}) {
-        const auto a = PositionAt(c.lat1, c.lon1);
-        const auto b = PositionAt(c.lat2, c.lon2);
-        ExpectBearing(a->Bearing(b.get(), 1), c.degrees, 1e-4);
-        EXPECT_EQ(a->Bearing(b.get(), 1), a->Bearing(b.get(), 2));
-    }
-    const auto self = PositionAt(12, 34);
-    EXPECT_EQ(self->Bearing(self.get(), 1), 0.0);
-    EXPECT_EQ(self->Distance(self.get(), 1), 0.0);
-}
-
-TEST(Bearing, InTheGrid) {
-    const auto a = MakeRef<Position>();
-    const auto b = MakeRef<Position>();
-    for (Position* p : {a.get(), b.get()}) {
-        p->PutGrid(3);
-        p->PutEasting(400000);
-        p->PutNorthing(300000);
-    }
-    struct Case {
-        double de, dn, degrees;
-    };
-    for (const Case& c : {Case{0, 0, 90}, Case{0, 10, 0}, Case{10, 0, 90}, Case{0, -10, 180},
-                          Case{-10, 0, 270}, Case{-10, 10, 315}}) {
-        b->PutEasting(400000 + c.de);
-        b->PutNorthing(300000 + c.dn);
-        ExpectBearing(a->Bearing(b.get(), 3), c.degrees, 1e-9);
-        EXPECT_NEAR(a->Distance(b.get(), 3), std::sqrt(c.de * c.de + c.dn * c.dn), 1e-9);
-    }
 }
 
 TEST(Move, AtTheEquator) {
@@ -196,13 +172,23 @@ TEST(Move, AcrossTheDateLineAndThePole) {
 TEST(Move, InTheGrid) {
     const auto p = PositionAt(52, 1);
     p->PutGrid(3);
-    const double easting = p->Easting();
-    const double northing = p->Northing();
-    const auto count = p->ModifiedCount();
+    const auto start = p->Copy();
+    struct Case {
+        double de, dn, degrees;
+    };
+    for (const Case& c : {Case{0, 10, 0}, Case{10, 0, 90}, Case{0, -10, 180}, Case{-10, 0, 270},
+                          Case{-10, 10, 315}, Case{250, 500 * std::sqrt(0.75), 30}}) {
+        const auto count = p->ModifiedCount();
+        p->Move(std::sqrt(c.de * c.de + c.dn * c.dn), c.degrees, 3);
+        EXPECT_EQ(p->ModifiedCount(), count + 3);
+        EXPECT_NEAR(p->Easting(), start->Easting() + c.de, 1e-9);
+        EXPECT_NEAR(p->Northing(), start->Northing() + c.dn, 1e-9);
+        ExpectBearing(start->Bearing(p.get(), 3), c.degrees, 1e-6);
+        p->PutEasting(start->Easting());
+        p->PutNorthing(start->Northing());
+    }
+    EXPECT_EQ(start->Bearing(p.get(), 3), 90.0);  // of a point to itself
     p->Move(500, 30, 3);
-    EXPECT_EQ(p->ModifiedCount(), count + 3);
-    EXPECT_NEAR(p->Easting(), easting + 250, 1e-9);
-    EXPECT_NEAR(p->Northing(), northing + 500 * std::sqrt(0.75), 1e-9);
     EXPECT_GT(p->Latitude(), 52.0);
 }
 
