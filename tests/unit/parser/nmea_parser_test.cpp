@@ -60,17 +60,6 @@ class NmeaParserTest : public testing::Test {
     Client client_;
 };
 
-TEST_F(NmeaParserTest, RaisesWhenTheSentenceIsComplete) {
-    const std::string line = Line("PKVRL,1");
-    for (std::size_t split = 0; split < line.size(); ++split) {
-        client_.texts.clear();
-        parser_->Parse(line.substr(0, split));
-        EXPECT_THAT(client_.texts, IsEmpty());
-        parser_->Parse(line.substr(split));
-        EXPECT_THAT(client_.texts, ElementsAre(Sentence("PKVRL,1"))) << split;
-    }
-}
-
 TEST_F(NmeaParserTest, RaisesSeveralInOrder) {
     parser_->Parse(Line("PKVRL,1") + "$PKVRL,2*00\r\n" + Line("PKVRL,3") + "$PKVRL,4");
     EXPECT_THAT(client_.texts, ElementsAre(Sentence("PKVRL,1"), Sentence("PKVRL,3")));
@@ -116,21 +105,6 @@ TEST_F(NmeaParserTest, NoEventsRaisesNothing) {
     parser_->SetNoEvents(false);
     parser_->Parse(Line("PKVRL,2"));
     EXPECT_THAT(client_.texts, ElementsAre(Sentence("PKVRL,2")));
-}
-
-TEST_F(NmeaParserTest, AllEventsGenericKeepsGeneric) {
-    parser_->SetAllEventsGeneric(true);
-    parser_->Parse(Line("PKVRL,1") + Line("GPRMC,,V,,,,,,,,,"));
-    EXPECT_EQ(client_.texts.size(), 2u);
-}
-
-TEST_F(NmeaParserTest, OtherWorkIsNoSentence) {
-    parser_->Dispatch({.kind = WorkKind::ComStatus, .object = nullptr});
-    EXPECT_THAT(client_.texts, IsEmpty());
-    auto sentence = MakeRef<NmeaSentence>();
-    sentence->SetText("$PKVRL,1");
-    parser_->Dispatch({.kind = WorkKind::Sentence, .object = std::move(sentence)});
-    EXPECT_THAT(client_.texts, ElementsAre("$PKVRL,1"));
 }
 
 // What a callback feeds is dispatched inside it, behind what waited before.
@@ -219,27 +193,6 @@ TEST_F(NmeaParserTest, EverySettingClearsTheError) {
         set();
         EXPECT_FALSE(parser_->error().IsSet());
     }
-}
-
-TEST(EventIntervals, SlotsFollowTheEventTypes) {
-    EXPECT_EQ(IntervalSlotOf(5), IntervalSlot::GpsFix);
-    EXPECT_EQ(IntervalSlotOf(6), IntervalSlot::Satellites);
-    EXPECT_EQ(IntervalSlotOf(7), IntervalSlot::Movement);
-    EXPECT_EQ(IntervalSlotOf(8), IntervalSlot::Quality);
-    EXPECT_EQ(IntervalSlotOf(4), std::nullopt);
-    EXPECT_EQ(IntervalSlotOf(9), std::nullopt);
-}
-
-TEST(EventIntervals, NegativeIsOffAndSlotsAreSeparate) {
-    EventIntervals intervals;
-    EXPECT_EQ(intervals.Get(IntervalSlot::Movement), 0);
-    intervals.Set(IntervalSlot::Movement, -7);
-    intervals.Set(IntervalSlot::GpsFix, 5000);
-    EXPECT_EQ(intervals.Get(IntervalSlot::Movement), -1);
-    EXPECT_EQ(intervals.Get(IntervalSlot::GpsFix), 5000);
-    EXPECT_EQ(intervals.Get(IntervalSlot::Satellites), 0);
-    intervals.Set(IntervalSlot::Movement, 0);
-    EXPECT_EQ(intervals.Get(IntervalSlot::Movement), 0);
 }
 
 }  // namespace
