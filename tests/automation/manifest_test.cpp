@@ -86,7 +86,8 @@ TEST_F(ManifestTest, ClassesAreCreatedByNameAndIdentity) {
     }
 }
 
-// A free-threaded class gives an apartment the object itself, and no proxy: its record can be reached.
+// A free-threaded class gives an apartment the object itself, and no proxy: its record can be
+// reached.
 TEST_F(ManifestTest, PositionsReachADatum) {
     const Activation host;
     ASSERT_TRUE(host.isActive()) << host.error();
