@@ -220,18 +220,17 @@ TEST_F(LiveEventTest, EnabledAgainByAnEvent) {
     EXPECT_TRUE(DispatchUntil([&] { return rounds == 10; }));
 }
 
+BOOL CALLBACK AddHiddenWindow(HWND window, LPARAM list) {
+    wchar_t title[32] = L"";
+    GetWindowTextW(window, title, 32);
+    if (std::wstring(title) == L"kvFormSync")
+        reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
+    return TRUE;
+}
+
 std::vector<HWND> HiddenWindows() {
     std::vector<HWND> windows;
-    EnumThreadWindows(
-        GetCurrentThreadId(),
-        [](HWND window, LPARAM list) -> BOOL {
-            wchar_t title[32] = L"";
-            GetWindowTextW(window, title, 32);
-            if (std::wstring(title) == L"kvFormSync")
-                reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&windows));
+    EnumThreadWindows(GetCurrentThreadId(), AddHiddenWindow, reinterpret_cast<LPARAM>(&windows));
     return windows;
 }
 
