@@ -225,6 +225,7 @@ TEST_F(DispatchTest, KeptObjectsNeverChange) {
         std::vector<Kept> kept;
         std::set<const Record*> seen;
         std::size_t events = 0;
+        std::ptrdiff_t generic = 0;
     };
     Keeper keeper;
     EventSink sink;
@@ -232,6 +233,7 @@ TEST_F(DispatchTest, KeptObjectsNeverChange) {
     sink.callbacks.fill([](void* context, ParserEvent event, Record& object) {
         auto& own = *static_cast<Keeper*>(context);
         own.seen.insert(&object);
+        own.generic += event == ParserEvent::Generic ? 1 : 0;
         // Some of each kind, so that there are kept ones, spare ones and new ones.
         if (++own.events % 5 != 0) return;
         if (event == ParserEvent::Satellites) static_cast<Satellites&>(object).Item(1);
@@ -239,12 +241,15 @@ TEST_F(DispatchTest, KeptObjectsNeverChange) {
     });
     parser_->SetEventSink(sink);
     simulator::Receiver receiver({});
+    std::ptrdiff_t sentences = 0;
     for (int epoch = 0; epoch < 50; ++epoch) {
         const std::string text = receiver.NextEpoch();
+        sentences += std::ranges::count(text, '\n');
         for (std::size_t at = 0; at < text.size(); at += 300)
             parser_->Parse(std::string_view(text).substr(at, 300));
     }
 
+    EXPECT_EQ(keeper.generic, sentences);
     EXPECT_LT(keeper.seen.size(), keeper.events / 3);
     ASSERT_GT(keeper.kept.size(), 150u);
     std::set<ParserEvent> kinds;

@@ -85,6 +85,13 @@ TEST(NmeaTime, HasNoDateValueOutsideTheCalendar) {
     };
     for (const NmeaTime& time : none)
         EXPECT_FALSE(time.DateValue().has_value()) << Text(time);
+    for (int month = 1; month <= 12; ++month) {
+        const int days = month == 2                                              ? 28
+                         : month == 4 || month == 6 || month == 9 || month == 11 ? 30
+                                                                                 : 31;
+        EXPECT_TRUE(At(2003, month, days, 0, 0, 0).DateValue().has_value()) << month;
+        EXPECT_FALSE(At(2003, month, days + 1, 0, 0, 0).DateValue().has_value()) << month;
+    }
 }
 
 TEST(NmeaTime, MeasuresDifferences) {
