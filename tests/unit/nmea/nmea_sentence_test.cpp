@@ -73,7 +73,9 @@ TEST_F(NmeaSentenceTest, AShortTextLeavesItEmpty) {
     for (const std::string_view text : {"", "$", "$GPGG", "$,,,,"}) {
         sentence_->SetText("$GPGGA,1,2*00");
         sentence_->SetField(1, "x");
+        sentence_->Field(0);
         sentence_->SetText(text);
+        ExpectNoError();
         ExpectEmpty();
         EXPECT_EQ(sentence_->TextWithLineEnd(), "\r\n");
         ExpectNoError();
