@@ -3,10 +3,15 @@
 #include "platform/host/scripted_machine.h"
 
 namespace kavrel {
+namespace {
+
+// Not within the function: the engine is built without guards around local statics.
+ScriptedMachine bareMachine;
+
+}  // namespace
 
 Machine& ThisMachine() {
-    static ScriptedMachine bare;
-    return bare;
+    return bareMachine;
 }
 
 }  // namespace kavrel
