@@ -22,18 +22,19 @@ std::uint32_t AbsenceIsNoError(LSTATUS status) {
     return status == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : static_cast<std::uint32_t>(status);
 }
 
-// Desktops delete only keys without subkeys.
-std::uint32_t RemoveTreeBelow(HKEY parent, const std::wstring& path) {
+// Desktops delete only keys without subkeys. A subkey that is listed, but then not found, ends it:
+// it would be listed for ever.
+LSTATUS RemoveTreeBelow(HKEY parent, const wchar_t* path) {
     {
-        const OpenKey key(parent, path.c_str());
-        if (!key.IsOpen()) return AbsenceIsNoError(key.status());
+        const OpenKey key(parent, path);
+        if (!key.IsOpen()) return key.status();
         wchar_t name[kKeyNameCapacity];
         while (FirstSubkey(key.get(), name) == ERROR_SUCCESS) {
-            const std::uint32_t error = RemoveTreeBelow(key.get(), name);
-            if (error != ERROR_SUCCESS) return error;
+            const LSTATUS status = RemoveTreeBelow(key.get(), name);
+            if (status != ERROR_SUCCESS) return status;
         }
     }
-    return AbsenceIsNoError(RegDeleteKeyW(parent, path.c_str()));
+    return RegDeleteKeyW(parent, path);
 }
 
 }  // namespace
@@ -72,7 +73,7 @@ std::uint32_t ClassesRootEditor::SetText(std::string_view path, std::string_view
 }
 
 std::uint32_t ClassesRootEditor::RemoveTree(std::string_view path) {
-    return RemoveTreeBelow(HKEY_CLASSES_ROOT, Widened(path));
+    return AbsenceIsNoError(RemoveTreeBelow(HKEY_CLASSES_ROOT, Widened(path).c_str()));
 }
 
 std::uint32_t ClassesRootEditor::RemoveIfChildless(std::string_view path) {
