@@ -157,9 +157,9 @@ class NmeaParser final : public HandOverTarget, private PortReader::Listener {
     // What a hand-over asks for: the dispatch of a work item of that kind, or to tell the client
     // that the source has failed or ended.
     enum Selector : std::uint32_t {
-        kSentenceSelector = static_cast<std::uint32_t>(WorkKind::Sentence),
-        kComStatusSelector = static_cast<std::uint32_t>(WorkKind::ComStatus),
-        kSourceEndedSelector,
+        SentenceSelector = static_cast<std::uint32_t>(WorkKind::Sentence),
+        ComStatusSelector = static_cast<std::uint32_t>(WorkKind::ComStatus),
+        SourceEndedSelector,
     };
 
     void OnFinalRelease() override { ShutDown(); }

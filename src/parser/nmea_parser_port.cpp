@@ -73,7 +73,7 @@ void NmeaParser::OnHandOver(std::uint32_t selector, Ref<Record> argument) {
     // What was on its way before the client chose to ask instead of being told: the reader thread
     // dispatches now, and nothing would be raised anyway.
     if (noEvents_) return;
-    if (selector == kSourceEndedSelector) {
+    if (selector == SourceEndedSelector) {
         DispatchComStatus(nullptr);
     } else {
         Dispatch({static_cast<WorkKind>(selector), std::move(argument)});
@@ -123,7 +123,7 @@ void NmeaParser::OnSourceEnded() {
     if (DispatchesAtOnce()) {
         DispatchComStatus(nullptr);
     } else {
-        HandOverToClient(kSourceEndedSelector, nullptr);
+        HandOverToClient(SourceEndedSelector, nullptr);
     }
 }
 
