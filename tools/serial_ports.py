@@ -1,6 +1,6 @@
 """Serial ports for programs under Wine: pseudo terminals that a prefix knows as COM2 to COM9.
 
-Modem lines, exclusive opening and unplugging come from the library of tests/serial_shim, which the
+Modem lines, exclusive opening and unplugging come from the library of tools/serial_shim, which the
 prefix was made with.
 """
 

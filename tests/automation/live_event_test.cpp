@@ -10,9 +10,9 @@
 #include <thread>
 #include <vector>
 
+#include "automation/support/comm_handle.h"
 #include "automation/support/import_hook.h"
 #include "automation/support/live_test.h"
-#include "serial_shim/comm_handle.h"
 
 using Microsoft::WRL::ComPtr;
 

@@ -8,9 +8,9 @@
 #include <optional>
 #include <string>
 
+#include "automation/support/comm_handle.h"
 #include "automation/support/import_hook.h"
 #include "automation/support/live_test.h"
-#include "serial_shim/comm_handle.h"
 
 namespace kavrel::tests {
 

@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <vector>
 
+#include "automation/support/comm_handle.h"
 #include "automation/support/live_test.h"
-#include "serial_shim/comm_handle.h"
 
 using Microsoft::WRL::ComPtr;
 

@@ -4,7 +4,7 @@
 
 #include <thread>
 
-#include "serial_shim/comm_handle.h"
+#include "automation/support/comm_handle.h"
 
 namespace kavrel::tests {
 

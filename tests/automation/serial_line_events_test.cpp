@@ -3,7 +3,7 @@
 
 #include <thread>
 
-#include "serial_shim/comm_handle.h"
+#include "automation/support/comm_handle.h"
 
 namespace kavrel::tests {
 
