@@ -12,63 +12,35 @@ CommResult Result(BOOL isDone) {
     return {.isDone = false, .error = GetLastError()};
 }
 
-CommState FromPlatform(const DCB& dcb) {
-    return {.BaudRate = dcb.BaudRate,
-            .fBinary = dcb.fBinary != 0,
-            .fParity = dcb.fParity != 0,
-            .fOutxCtsFlow = dcb.fOutxCtsFlow != 0,
-            .fOutxDsrFlow = dcb.fOutxDsrFlow != 0,
-            .fDtrControl = static_cast<std::uint8_t>(dcb.fDtrControl),
-            .fDsrSensitivity = dcb.fDsrSensitivity != 0,
-            .fTXContinueOnXoff = dcb.fTXContinueOnXoff != 0,
-            .fOutX = dcb.fOutX != 0,
-            .fInX = dcb.fInX != 0,
-            .fErrorChar = dcb.fErrorChar != 0,
-            .fNull = dcb.fNull != 0,
-            .fRtsControl = static_cast<std::uint8_t>(dcb.fRtsControl),
-            .fAbortOnError = dcb.fAbortOnError != 0,
-            .wReserved = dcb.wReserved,
-            .XonLim = dcb.XonLim,
-            .XoffLim = dcb.XoffLim,
-            .ByteSize = dcb.ByteSize,
-            .Parity = dcb.Parity,
-            .StopBits = dcb.StopBits,
-            .XonChar = dcb.XonChar,
-            .XoffChar = dcb.XoffChar,
-            .ErrorChar = dcb.ErrorChar,
-            .EofChar = dcb.EofChar,
-            .EvtChar = dcb.EvtChar};
-}
-
-DCB ToPlatform(const CommState& state) {
-    DCB dcb{};
-    dcb.DCBlength = sizeof dcb;
-    dcb.BaudRate = state.BaudRate;
-    dcb.fBinary = state.fBinary;
-    dcb.fParity = state.fParity;
-    dcb.fOutxCtsFlow = state.fOutxCtsFlow;
-    dcb.fOutxDsrFlow = state.fOutxDsrFlow;
-    dcb.fDtrControl = state.fDtrControl & 3U;
-    dcb.fDsrSensitivity = state.fDsrSensitivity;
-    dcb.fTXContinueOnXoff = state.fTXContinueOnXoff;
-    dcb.fOutX = state.fOutX;
-    dcb.fInX = state.fInX;
-    dcb.fErrorChar = state.fErrorChar;
-    dcb.fNull = state.fNull;
-    dcb.fRtsControl = state.fRtsControl & 3U;
-    dcb.fAbortOnError = state.fAbortOnError;
-    dcb.wReserved = state.wReserved;
-    dcb.XonLim = state.XonLim;
-    dcb.XoffLim = state.XoffLim;
-    dcb.ByteSize = state.ByteSize;
-    dcb.Parity = state.Parity;
-    dcb.StopBits = state.StopBits;
-    dcb.XonChar = state.XonChar;
-    dcb.XoffChar = state.XoffChar;
-    dcb.ErrorChar = state.ErrorChar;
-    dcb.EofChar = state.EofChar;
-    dcb.EvtChar = state.EvtChar;
-    return dcb;
+// Between the engine's line state and the platform's control block, whose fields have the same
+// names.
+template <class To, class From>
+void CopyLineState(To& to, const From& from) {
+    to.BaudRate = from.BaudRate;
+    to.fBinary = from.fBinary != 0;
+    to.fParity = from.fParity != 0;
+    to.fOutxCtsFlow = from.fOutxCtsFlow != 0;
+    to.fOutxDsrFlow = from.fOutxDsrFlow != 0;
+    to.fDtrControl = from.fDtrControl & 3U;
+    to.fDsrSensitivity = from.fDsrSensitivity != 0;
+    to.fTXContinueOnXoff = from.fTXContinueOnXoff != 0;
+    to.fOutX = from.fOutX != 0;
+    to.fInX = from.fInX != 0;
+    to.fErrorChar = from.fErrorChar != 0;
+    to.fNull = from.fNull != 0;
+    to.fRtsControl = from.fRtsControl & 3U;
+    to.fAbortOnError = from.fAbortOnError != 0;
+    to.wReserved = from.wReserved;
+    to.XonLim = from.XonLim;
+    to.XoffLim = from.XoffLim;
+    to.ByteSize = from.ByteSize;
+    to.Parity = from.Parity;
+    to.StopBits = from.StopBits;
+    to.XonChar = from.XonChar;
+    to.XoffChar = from.XoffChar;
+    to.ErrorChar = from.ErrorChar;
+    to.EofChar = from.EofChar;
+    to.EvtChar = from.EvtChar;
 }
 
 // A call on a closed device fails with "invalid handle", as the platform's does, without asking the
@@ -99,12 +71,14 @@ class Win32CommDevice final : public CommDevice {
         DCB dcb{};
         dcb.DCBlength = sizeof dcb;
         const CommResult result = Result(GetCommState(handle(), &dcb));
-        if (result) state = FromPlatform(dcb);
+        if (result) CopyLineState(state, dcb);
         return result;
     }
 
     CommResult SetState(const CommState& state) override {
-        DCB dcb = ToPlatform(state);
+        DCB dcb{};
+        dcb.DCBlength = sizeof dcb;
+        CopyLineState(dcb, state);
         return Result(SetCommState(handle(), &dcb));
     }
 
