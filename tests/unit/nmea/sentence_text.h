@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "nmea/nmea_sentence.h"
+
 namespace kavrel {
 
 inline std::string ChecksumDigits(std::string_view body) {
@@ -25,6 +27,12 @@ inline std::string Sentence(std::string_view body) {
 // The same with the line end behind it, as receivers send it.
 inline std::string Line(std::string_view body) {
     return Sentence(body) + "\r\n";
+}
+
+inline Ref<NmeaSentence> MakeSentence(std::string_view body) {
+    auto sentence = MakeRef<NmeaSentence>();
+    sentence->SetText(Sentence(body));
+    return sentence;
 }
 
 }  // namespace kavrel
