@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <random>
 #include <string>
@@ -15,24 +14,10 @@
 namespace kavrel {
 namespace {
 
-// What snprintf makes of a value; "%.*f" is exact and locale "C" here.
-std::string Printed(double value, int decimals) {
-    std::array<char, 512> buffer;
-    const int length = std::snprintf(buffer.data(), buffer.size(), "%.*f", decimals, value);
-    return {buffer.data(), static_cast<std::size_t>(length)};
-}
-
 std::string Written(double value, int decimals, int minWholeDigits = 1) {
     std::array<char, 64> buffer;
     const std::size_t length = WriteFixed(buffer, value, decimals, minWholeDigits);
     return {buffer.data(), length};
-}
-
-// snprintf rounds exact ties to even, the library away from zero.
-bool IsTie(double value, int decimals) {
-    const std::string exact = Printed(value, 60);
-    const std::size_t at = exact.find('.') + 1 + static_cast<std::size_t>(decimals);
-    return exact[at] == '5' && exact.find_first_not_of('0', at + 1) == std::string::npos;
 }
 
 // Each text also with more digits behind its end, which are none of its own.
@@ -102,26 +87,6 @@ TEST(WriteFixed, CutsOffWhatDoesNotFit) {
         ASSERT_EQ(length, std::min(room, whole.size()));
         EXPECT_EQ(out, whole.substr(0, length) + std::string(out.size() - length, '?'));
     }
-}
-
-TEST(WriteFixed, AgreesWithPrintf) {
-    std::mt19937_64 random(3);
-    int compared = 0;
-    for (int round = 0; round < 200000; ++round) {
-        const int decimals = static_cast<int>(random() % 10);
-        // Any magnitude up to 1e15; every other value lies close to a tie.
-        double value =
-            std::ldexp(static_cast<double>(random() >> 11), -3 - static_cast<int>(random() % 60));
-        if (round % 2 != 0) {
-            const double scale = std::pow(10.0, decimals);
-            value = (static_cast<double>(random() % 10000000) + 0.5) / scale;
-        }
-        if (random() % 2 != 0) value = -value;
-        if (std::fabs(value) >= 1e15 || IsTie(value, decimals)) continue;
-        ++compared;
-        ASSERT_EQ(Written(value, decimals), Printed(value, decimals));
-    }
-    EXPECT_GT(compared, 150000);
 }
 
 }  // namespace

@@ -43,8 +43,7 @@ class DerivedProbe final : public Probe {
 };
 
 // That no record is left over is checked behind every test.
-class RecordTest : public testing::Test {
-  protected:
+struct RecordTest : testing::Test {
     Log log_;
 };
 
@@ -86,18 +85,6 @@ TEST_F(RecordTest, AssigningReleasesWhatWasHeld) {
     EXPECT_EQ(other.deletions, 0);
     ref.Reset();
     EXPECT_EQ(other.deletions, 1);
-}
-
-TEST_F(RecordTest, DetachAdoptAndShare) {
-    Probe* const raw = MakeRef<Probe>(log_).Detach();
-    EXPECT_EQ(log_.hooks, 0);
-    Ref<Probe> owner = Ref<Probe>::Adopt(raw);
-    Ref<Probe> shared = Ref<Probe>::Share(raw);
-    owner.Reset();
-    EXPECT_EQ(log_.hooks, 0);
-    shared.Reset();
-    EXPECT_EQ(log_.deletions, 1);
-    EXPECT_FALSE(Ref<Probe>::Share(nullptr));
 }
 
 TEST_F(RecordTest, TheHookMayKeepTheRecordAlive) {

@@ -12,16 +12,14 @@ namespace {
 constexpr double kRelative = 1e-15;
 
 TEST(Hyperbolic, AgreesFromTinyToHuge) {
-    for (double x = 1e-20; x < 700.0; x *= 1.07) {
+    for (double x = 1e-20; x < 700.0; x *= 1.03) {
         for (const double v : {x, -x}) {
-            EXPECT_NEAR(Sinh(v), std::sinh(v), kRelative * std::fabs(std::sinh(v))) << v;
+            EXPECT_NEAR(Sinh(v), std::sinh(v), kRelative * std::sinh(x)) << v;
             EXPECT_NEAR(SinhCoshOf(v).cosh, std::cosh(v), kRelative * std::cosh(v)) << v;
-            EXPECT_NEAR(Asinh(v), std::asinh(v), kRelative * std::fabs(std::asinh(v))) << v;
+            EXPECT_NEAR(Asinh(v), std::asinh(v), kRelative * std::asinh(x)) << v;
+            if (x >= 1.0) continue;
+            EXPECT_NEAR(Atanh(v), std::atanh(v), kRelative * std::atanh(x)) << v;
         }
-    }
-    for (double x = 1e-20; x < 1.0; x *= 1.03) {
-        EXPECT_NEAR(Atanh(x), std::atanh(x), kRelative * std::atanh(x)) << x;
-        EXPECT_NEAR(Atanh(-x), std::atanh(-x), kRelative * std::atanh(x)) << x;
     }
 }
 

@@ -110,17 +110,6 @@ TEST_F(NmeaSentenceTest, SetFieldFillsTheGap) {
     EXPECT_EQ(sentence_->TextWithLineEnd(), Line("GPGGA,a,b,,,x,y*z"));
 }
 
-TEST_F(NmeaSentenceTest, NumbersBelowOneAreKeptOutOfTheText) {
-    sentence_->SetText("$GPGGA,a");
-    for (const std::int32_t number : {0, -5, kMin}) {
-        sentence_->SetField(number, "hidden");
-        EXPECT_EQ(Error(), "");
-        EXPECT_EQ(sentence_->Text(), Sentence("GPGGA,a"));
-        EXPECT_EQ(sentence_->Field(number), "");
-        EXPECT_EQ(Error(), "Index out of bounds");
-    }
-}
-
 TEST_F(NmeaSentenceTest, AHugeNumberFillsTheTextWithCommas) {
     for (const std::int32_t number : {100000, kMax}) {
         sentence_->SetText("$GPGGA,a");

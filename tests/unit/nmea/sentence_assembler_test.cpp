@@ -44,16 +44,6 @@ TEST(SentenceAssembler, CutsAndChecks) {
     });
 }
 
-TEST(SentenceAssembler, AppendTellsOfLineFeeds) {
-    SentenceAssembler assembler;
-    EXPECT_FALSE(assembler.Append(""));
-    EXPECT_FALSE(assembler.Append("$GPGGA,1\r"));
-    EXPECT_TRUE(assembler.Append("\n"));
-    EXPECT_TRUE(assembler.Append("\nx"));
-    // Also of one that the ring does not hold any more.
-    EXPECT_TRUE(assembler.Append("\n" + std::string(5000, 'x')));
-}
-
 // A day of a quick receiver is a gigabyte. Sanitized builds, which take ten times as long, see a
 // sixteenth of it.
 TEST(SentenceAssembler, NeverLosesItsPlace) {
