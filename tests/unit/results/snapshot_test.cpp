@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include "results/quality.h"
@@ -20,16 +21,12 @@ Ref<Satellites> MakeSatellites() {
 TEST(Satellites, CountFromOne) {
     const auto satellites = MakeSatellites();
     EXPECT_EQ(satellites->Count(), 2);
-    const Ref<Satellite> first = satellites->Item(1);
-    ASSERT_TRUE(first);
-    EXPECT_EQ(first->Id(), 7);
-    EXPECT_EQ(first->serialNumber(), 7u);
-    EXPECT_EQ(first->Elevation(), 47);
-    EXPECT_EQ(first->Azimuth(), 210);
-    EXPECT_EQ(first->Snr(), 42);
-    EXPECT_FALSE(first->UsedForFix());
-    EXPECT_EQ(satellites->Item(2)->Id(), 9);  // the low 16 bits
-    EXPECT_TRUE(satellites->Item(2)->UsedForFix());
+    const auto valuesOf = [](Satellite& s) {
+        return std::tuple(s.Id(), s.Elevation(), s.Azimuth(), s.Snr(), s.UsedForFix());
+    };
+    EXPECT_EQ(valuesOf(*satellites->Item(1)), std::tuple(7, 47, 210, 42, false));
+    EXPECT_EQ(valuesOf(*satellites->Item(2)), std::tuple(9, 15, 0, 0, true));  // the low 16 bits
+    EXPECT_EQ(satellites->Item(2)->serialNumber(), 65536u + 9);
 }
 
 TEST(Satellites, HaveNoItemsOutside) {
