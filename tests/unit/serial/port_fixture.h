@@ -12,15 +12,12 @@
 #include "platform/host/memory_registry.h"
 #include "platform/host/scripted_comm_device.h"
 #include "serial/serial_port.h"
+#include "unit/dialogue.h"
 
 namespace kavrel {
 
 // Longer than anything takes that is not broken.
 inline constexpr std::uint32_t kPatienceMs = 30'000;
-
-inline std::string ErrorOf(const ErrorSlot& slot) {
-    return slot.IsSet() ? std::to_string(slot.code()) + " " + std::string(slot.text()) : "";
-}
 
 inline std::string TextOf(const Ref<ByteBlock>& block) {
     return block ? std::string(block->bytes().begin(), block->bytes().end()) : "(none)";
@@ -42,27 +39,6 @@ class PortTest : public testing::Test {
         return ErrorOf(failure);
     }
 
-    // Without the line watch, which asks the device for things of its own.
-    void OpenQuietly(TimeoutMode mode = TimeoutMode::FirstByte) {
-        port_->SetPort(3);
-        port_->SetWatchLines(false);
-        port_->SetTimeoutMode(mode);
-        port_->Open();
-        ASSERT_EQ(Error(), "");
-    }
-
-    void OpenWatching() {
-        port_->Open();
-        ASSERT_EQ(Error(), "");
-        device_.WaitForCalls(CommCall::WaitEvent, 1);
-    }
-
-    // Waits for an event and resets it.
-    static void Await(const Ref<Event>& event) {
-        ASSERT_TRUE(event->Wait(kPatienceMs));
-        event->Reset();
-    }
-
     // What has come, as soon as it has so many bytes.
     std::string Receive(std::size_t count) {
         std::string text;
@@ -70,20 +46,22 @@ class PortTest : public testing::Test {
             const Ref<Event> received = port_->DataReceivedEvent();
             if (!received->Wait(kPatienceMs)) return text + " (and no more)";
             received->Reset();
-            while (const Ref<ByteBlock> block = port_->TakeReceived())
+            while (const Ref<ByteBlock> block = port_->TakeReceived()) {
+                EXPECT_TRUE(!block->bytes().empty() && block->bytes().size() <= 256);
                 text += TextOf(block);
+            }
         }
         return text;
     }
 
     // The numbers of bytes that so many completed writes report, or fewer when no more come.
-    std::vector<std::uint32_t> WriteReports(std::size_t count) {
-        std::vector<std::uint32_t> reports;
+    std::string WriteReports(int count) {
+        std::string reports;
         const Ref<Event> done = port_->WriteDoneEvent();
-        while (reports.size() < count && done->Wait(kPatienceMs)) {
+        while (count > 0 && done->Wait(kPatienceMs)) {
             done->Reset();
-            while (const Ref<PortEvent> report = port_->TakeWriteDone())
-                reports.push_back(report->value());
+            for (; const Ref<PortEvent> report = port_->TakeWriteDone(); --count)
+                reports += (reports.empty() ? "" : " ") + std::to_string(report->value());
         }
         return reports;
     }

@@ -1,0 +1,127 @@
+// Dialogues with an object under test: tables whose rows are an operation with its arguments and
+// what comes of it.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <initializer_list>
+#include <map>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+
+#include "base/error_slot.h"
+#include "unit/data_table.h"
+
+namespace kavrel {
+
+// Code and text, or nothing.
+inline std::string ErrorOf(const ErrorSlot& slot) {
+    return slot.IsSet() ? std::to_string(slot.code()) + " " + std::string(slot.text()) : "";
+}
+
+// The enumerator that stands at the name's place in a list of all names.
+template <typename Enum>
+Enum Named(std::initializer_list<std::string_view> names, const std::string& name) {
+    const auto* const found = std::find(names.begin(), names.end(), name);
+    EXPECT_NE(found, names.end()) << name;
+    return static_cast<Enum>(found - names.begin());
+}
+
+template <typename Object>
+class Dialogue {
+  public:
+    // The object is asked for anew at each operation.
+    explicit Dialogue(std::function<Object&()> object) : object_(std::move(object)) {}
+
+    // A member of the object. What comes of it is the result, and the error behind "!".
+    template <typename Result, typename... Arguments>
+    void Add(const std::string& name, Result (Object::*member)(Arguments...)) {
+        AddMember(name, std::function<Result(Arguments...)>([this, member](Arguments... arguments) {
+                      return (object_().*member)(arguments...);
+                  }));
+    }
+    // One that is no operation and has no error.
+    template <typename Result>
+    void Add(const std::string& name, Result (Object::*member)() const) {
+        Add(name, [this, member] { return (object_().*member)(); });
+    }
+    // Anything else that a row can ask for.
+    template <typename Call>
+    void Add(const std::string& name, Call call) {
+        operations_[name] = Of(std::function(call));
+    }
+
+    void Hold(const TableGroup& group) const {
+        for (const TableRow& row : group.rows)
+            ASSERT_EQ(OutcomeOf(row[0]), row[1]) << row.where << ": " << row[0];
+    }
+
+  private:
+    using Operation = std::function<std::string(std::istringstream&)>;
+
+    // As what an argument is taken from a row: a number, or a word.
+    template <typename T>
+    using Taken = std::conditional_t<
+        std::is_arithmetic_v<std::decay_t<T>>, std::decay_t<T>,
+        std::conditional_t<std::is_same_v<T, std::u16string_view>, std::u16string, std::string>>;
+
+    template <typename T>
+    static T Take(std::istringstream& words) {
+        if constexpr (std::is_arithmetic_v<T>) {
+            T number{};
+            EXPECT_TRUE(words >> number) << words.str();
+            return number;
+        } else {
+            std::string word;
+            words >> word;
+            return T(word.begin(), word.end());
+        }
+    }
+
+    template <typename Result, typename... Arguments>
+    static Operation Of(std::function<Result(Arguments...)> call) {
+        return [call](std::istringstream& words) -> std::string {
+            // Braces, as what stands in them is evaluated in its order.
+            std::tuple<Taken<Arguments>...> arguments{Take<Taken<Arguments>>(words)...};
+            if constexpr (std::is_void_v<Result>) {
+                std::apply(call, arguments);
+                return "";
+            } else if constexpr (std::is_arithmetic_v<Result>) {
+                return std::to_string(std::apply(call, arguments));
+            } else if constexpr (std::is_constructible_v<std::string, Result>) {
+                return std::string(std::apply(call, arguments));
+            } else {
+                return std::apply(call, arguments) ? "given" : "none";
+            }
+        };
+    }
+
+    template <typename Result, typename... Arguments>
+    void AddMember(const std::string& name, std::function<Result(Arguments...)> member) {
+        operations_[name] = [this, call = Of(member)](std::istringstream& words) {
+            const std::string result = call(words);
+            const std::string error = ErrorOf(object_().error());
+            if (error.empty()) return result;
+            return result + (result.empty() ? "! " : " ! ") + error;
+        };
+    }
+
+    std::string OutcomeOf(const std::string& row) const {
+        std::istringstream words(row);
+        std::string name;
+        words >> name;
+        const auto operation = operations_.find(name);
+        return operation != operations_.end() ? operation->second(words) : "(no such operation)";
+    }
+
+    std::function<Object&()> object_;
+    std::map<std::string, Operation> operations_;
+};
+
+}  // namespace kavrel
