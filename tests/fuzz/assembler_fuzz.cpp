@@ -4,8 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "fuzz/check.h"
-#include "fuzz/input.h"
+#include "fuzz/fuzz.h"
 #include "nmea/sentence_assembler.h"
 #include "unit/nmea/reference_assembler.h"
 #include "unit/nmea/reference_sentence.h"
@@ -33,7 +32,7 @@ class Session {
             case 'R':  // much of the same
                 return Append(std::string(input_.Take<std::uint16_t>(), input_.Take<char>()));
             case 'M':
-                return SetMandatory((input_.Take<std::uint8_t>() & 1) != 0);
+                return SetMandatory(input_.TakeBool());
             case 'T':
                 return TakeOne();
             case 'S':
@@ -113,9 +112,5 @@ class Session {
 }  // namespace kavrel
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace kavrel;
-    const std::int32_t liveBefore = Record::LiveCount();
-    Session(Input(data, size)).Run();
-    Check(Record::LiveCount() == liveBefore);
-    return 0;
+    return kavrel::RunSession<kavrel::Session>(data, size);
 }

@@ -6,8 +6,7 @@
 #include <string>
 
 #include "base/number.h"
-#include "fuzz/check.h"
-#include "fuzz/input.h"
+#include "fuzz/fuzz.h"
 
 namespace kavrel {
 namespace {
@@ -95,9 +94,9 @@ void CheckWriting(double value, int decimals, int minWholeDigits, std::size_t ro
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace kavrel;
     Input input(data, size);
-    const int decimals = input.Take<std::uint8_t>() % 10;
-    const int minWholeDigits = 1 + input.Take<std::uint8_t>() % 12;
-    const std::size_t room = input.Take<std::uint8_t>() % 65;
+    const auto decimals = static_cast<int>(input.TakeBelow(10));
+    const auto minWholeDigits = 1 + static_cast<int>(input.TakeBelow(12));
+    const std::size_t room = input.TakeBelow(65);
     CheckWriting(input.Take<double>(), decimals, minWholeDigits, room);
     const std::string text = input.TakeRest();
     CheckReading(text);

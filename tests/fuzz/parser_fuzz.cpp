@@ -9,11 +9,10 @@
 #include <utility>
 #include <vector>
 
-#include "fuzz/check.h"
-#include "fuzz/describe.h"
-#include "fuzz/input.h"
+#include "fuzz/fuzz.h"
 #include "parser/nmea_parser.h"
 #include "unit/nmea/sentence_text.h"
+#include "unit/parser/describe.h"
 
 namespace kavrel {
 namespace {
@@ -51,13 +50,13 @@ class Client {
             case 'I':
                 return SetInterval(input_.Take<std::int16_t>(), input_.Take<std::int8_t>());
             case 'A':
-                return parser_->SetAllEventsGeneric(TakeBool());
+                return parser_->SetAllEventsGeneric(input_.TakeBool());
             case 'N':
-                return SetNoEvents(TakeBool());
+                return parser_->SetNoEvents(hasNoEvents_ = input_.TakeBool());
             case 'Q':
-                return SetQueued(TakeBool());
+                return parser_->SetQueuedDelivery(isQueued_ = input_.TakeBool());
             case 'C':
-                return parser_->SetChecksumMandatory(TakeBool());
+                return parser_->SetChecksumMandatory(input_.TakeBool());
             case 'S':
                 return SetSink(input_.Take<std::uint16_t>());
             case 'U':
@@ -73,7 +72,6 @@ class Client {
         }
     }
 
-    bool TakeBool() { return (input_.Take<std::uint8_t>() & 1) != 0; }
     bool HasFailed() { return parser_->error().IsSet(); }
 
     void Parse(const std::string& text) {
@@ -89,17 +87,6 @@ class Client {
     void SetInterval(std::int16_t ms, std::int8_t type) {
         parser_->SetEventInterval(ms, type);
         Check(HasFailed() == (type < 5 || type > 8));
-    }
-
-    void SetNoEvents(bool isOn) {
-        parser_->SetNoEvents(isOn);
-        Check(!HasFailed());
-        hasNoEvents_ = isOn;
-    }
-
-    void SetQueued(bool isOn) {
-        parser_->SetQueuedDelivery(isOn);
-        isQueued_ = isOn;
     }
 
     // One bit a handler.
@@ -124,25 +111,6 @@ class Client {
             if (event->object == last) return;
             Keep(EventOf(event->code), *event->object);
         }
-    }
-
-    static ParserEvent EventOf(EventCode code) {
-        switch (code) {
-            case EventCode::Generic:
-                return ParserEvent::Generic;
-            case EventCode::GpsFix:
-                return ParserEvent::GpsFix;
-            case EventCode::Satellites:
-                return ParserEvent::Satellites;
-            case EventCode::Movement:
-                return ParserEvent::Movement;
-            case EventCode::Quality:
-                return ParserEvent::Quality;
-            case EventCode::ComStatus:
-                return ParserEvent::ComStatus;
-        }
-        Check(false);
-        return ParserEvent::Count;
     }
 
     void Ask() {
@@ -177,7 +145,7 @@ class Client {
         ++depth_;
         if (isDecoded) Change(static_cast<DecodedSentence&>(object).sentence());
         if (event == ParserEvent::Generic) Change(static_cast<NmeaSentence&>(object));
-        if (TakeBool()) Step();
+        if (input_.TakeBool()) Step();
         --depth_;
     }
 
@@ -219,9 +187,5 @@ class Client {
 }  // namespace kavrel
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace kavrel;
-    const std::int32_t liveBefore = Record::LiveCount();
-    Client(Input(data, size)).Run();
-    Check(Record::LiveCount() == liveBefore);
-    return 0;
+    return kavrel::RunSession<kavrel::Client>(data, size);
 }

@@ -7,8 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "fuzz/check.h"
-#include "fuzz/input.h"
+#include "fuzz/fuzz.h"
 #include "parser/port_source.h"
 #include "platform/host/scripted_machine.h"
 #include "unit/nmea/reference_assembler.h"
@@ -25,7 +24,7 @@ class Session {
     explicit Session(Input input) : input_(input) {}
 
     void Run() {
-        const bool isMandatory = TakeBool();
+        const bool isMandatory = input_.TakeBool();
         source_.SetChecksumMandatory(isMandatory);
         reference_.SetChecksumMandatory(isMandatory);
         const bool mayFail = PlanFailures();
@@ -40,14 +39,12 @@ class Session {
     }
 
   private:
-    bool TakeBool() { return (input_.Take<std::uint8_t>() & 1) != 0; }
-
     bool PlanFailures() {
-        const int count = input_.Take<std::uint8_t>() % 3;
-        for (int i = 0; i < count; ++i) {
-            const auto call = input_.Take<std::uint8_t>() % static_cast<int>(CommCall::Count);
-            device_.FailCall(static_cast<CommCall>(call), 1 + input_.Take<std::uint8_t>() % 4,
-                             kError);
+        const std::size_t count = input_.TakeBelow(3);
+        for (std::size_t i = 0; i < count; ++i) {
+            const auto call =
+                static_cast<CommCall>(input_.TakeBelow(static_cast<std::size_t>(CommCall::Count)));
+            device_.FailCall(call, 1 + static_cast<int>(input_.TakeBelow(4)), kError);
         }
         return count != 0;
     }
@@ -63,7 +60,7 @@ class Session {
     // The rest of the input, then a sentence to know the end by, and enough to fill the last read.
     void Hear() {
         while (!input_.IsAtEnd())
-            Feed(TakeBool() ? Line(input_.TakeText(100)) : input_.TakeText(200) + "\r\n");
+            Feed(input_.TakeBool() ? Line(input_.TakeText(100)) : input_.TakeText(200) + "\r\n");
         Feed(Line(kEnd));
         device_.Feed(std::string(600, ' '));
     }
@@ -111,9 +108,5 @@ class Session {
 }  // namespace kavrel
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace kavrel;
-    const std::int32_t liveBefore = Record::LiveCount();
-    Session(Input(data, size)).Run();
-    Check(Record::LiveCount() == liveBefore);
-    return 0;
+    return kavrel::RunSession<kavrel::Session>(data, size);
 }

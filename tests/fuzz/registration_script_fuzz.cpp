@@ -2,51 +2,54 @@
 #include <string>
 
 #include "frame/registration_script.h"
-#include "fuzz/check.h"
-#include "fuzz/input.h"
-#include "unit/frame/memory_registry.h"
+#include "fuzz/fuzz.h"
+#include "unit/frame/recording_editor.h"
 
 namespace kavrel {
 namespace {
 
-// No operation may create or remove the classes root itself.
-void CheckPaths(const MemoryRegistry& registry) {
-    for (const std::string& operation : registry.operations) {
-        Check(operation != "create " && operation != "remove " && operation != "remove tree ");
-    }
-}
+class Session {
+  public:
+    explicit Session(Input input)
+        : failingOperation_(input.Take<std::uint8_t>()), script_(input.TakeRest()) {}
 
-void Run(const std::string& script, std::size_t failingOperation) {
-    MemoryRegistry registry;
-    registry.failingOperation = failingOperation;
-    const std::uint32_t registered = RunRegistrationScript(script, ScriptMode::Register, registry);
-    CheckPaths(registry);
-    const bool hasFailed = registry.operations.size() > failingOperation;
-    if (hasFailed) {
-        Check(registered == registry.failure);
-        Check(registry.operations.size() == failingOperation + 1);
-    } else {
-        Check(registered == 0 || registered == kScriptMalformed);
+    void Run() const {
+        const std::uint32_t registered = Run(ScriptMode::Register);
+        const std::uint32_t unregistered = Run(ScriptMode::Unregister);
+        const auto isOfTheScript = [](std::uint32_t error) {
+            return error == 0 || error == kScriptMalformed;
+        };
+        if (isOfTheScript(registered) && isOfTheScript(unregistered))
+            Check(registered == unregistered);
     }
 
-    registry.operations.clear();
-    const std::uint32_t unregistered =
-        RunRegistrationScript(script, ScriptMode::Unregister, registry);
-    CheckPaths(registry);
-    if (registry.operations.size() <= failingOperation && !hasFailed) {
-        Check(unregistered == registered);
+  private:
+    std::uint32_t Run(ScriptMode mode) const {
+        RecordingEditor editor(failingOperation_);
+        const std::uint32_t error = RunRegistrationScript(script_, mode, editor);
+        const bool hasFailed = editor.operations.size() > failingOperation_;
+        if (hasFailed) {
+            Check(error == RecordingEditor::kFailure);
+            Check(mode == ScriptMode::Unregister ||
+                  editor.operations.size() == failingOperation_ + 1);
+        } else {
+            Check(error == 0 || error == kScriptMalformed);
+        }
+        for (const std::string& operation : editor.operations) {
+            Check(mode == ScriptMode::Register || operation.starts_with("remove"));
+            // None may create or remove the classes root itself.
+            Check(operation != "create " && operation != "remove " && operation != "remove tree ");
+        }
+        return error;
     }
-    for (const std::string& operation : registry.operations)
-        Check(operation.starts_with("remove"));
-}
+
+    std::size_t failingOperation_;
+    std::string script_;
+};
 
 }  // namespace
 }  // namespace kavrel
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace kavrel;
-    Input input(data, size);
-    const std::size_t failingOperation = input.Take<std::uint8_t>();
-    kavrel::Run(input.TakeRest(), failingOperation);
-    return 0;
+    return kavrel::RunSession<kavrel::Session>(data, size);
 }

@@ -1,206 +1,214 @@
 // The search for a receiver, and the shared receiver as a source.
 #include "parser/port_reader.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
-#include <condition_variable>
-#include <mutex>
-#include <set>
+#include <chrono>
+#include <functional>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "base/locked_queue.h"
 #include "platform/host/scripted_machine.h"
 #include "unit/nmea/sentence_text.h"
 
 namespace kavrel {
 namespace {
 
-constexpr std::uint32_t kTryMs = 10;
+using testing::Each;
+using testing::ElementsAre;
+using testing::StartsWith;
+
+// Long enough for a busy machine to hear a receiver that is there.
+constexpr std::uint32_t kTryMs = 100;
 
 // Writes down what the reader tells, and lets a test wait for it.
 class ReaderLog final : public PortReader::Listener {
   public:
     void OnSentence(Ref<NmeaSentence> sentence) override { Add(std::string(sentence->Text())); }
     void OnDataRead() override {}
-    void OnSettingsChanged(const PortChoice& current) override { Add(Describe("try", current)); }
-    void OnValidNmea(const PortChoice& current) override { Add(Describe("valid", current)); }
+    void OnSettingsChanged(const PortChoice& current) override {
+        if (onTry) onTry(current);
+        Add("try " + Describe(current));
+    }
+    void OnValidNmea(const PortChoice& current) override { Add("valid " + Describe(current)); }
     void OnSourceEnded() override { Add("ended"); }
 
-    bool WaitFor(const std::string& line) {
-        std::unique_lock lock(mutex_);
-        return changed_.wait_for(lock, std::chrono::seconds(20),
-                                 [&] { return std::ranges::find(lines_, line) != lines_.end(); });
+    // Up to and with that line, and takes what was written down.
+    void Await(const std::string& line) {
+        const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+        for (;; std::this_thread::sleep_for(std::chrono::milliseconds(1))) {
+            while (const std::optional<std::string> next = lines_.Pop()) {
+                taken.push_back(*next);
+                if (*next == line) return;
+            }
+            ASSERT_LT(std::chrono::steady_clock::now(), giveUp) << line;
+        }
     }
-    std::vector<std::string> Take() {
-        const std::lock_guard lock(mutex_);
-        return std::exchange(lines_, {});
+
+    void Clear() {
+        lines_.Clear();
+        taken.clear();
     }
+
+    // On the reader's thread.
+    std::function<void(const PortChoice&)> onTry;
+    std::vector<std::string> taken;
 
   private:
-    static std::string Describe(const std::string& what, const PortChoice& current) {
-        return what + " " + std::to_string(current.comPort) + "@" +
-               std::to_string(current.baudRate);
+    static std::string Describe(const PortChoice& current) {
+        return std::to_string(current.comPort) + "@" + std::to_string(current.baudRate);
     }
-    void Add(const std::string& line) {
-        const std::lock_guard lock(mutex_);
-        lines_.push_back(line);
-        changed_.notify_all();
-    }
+    void Add(const std::string& line) { lines_.Push(line); }
 
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    std::vector<std::string> lines_;
-};
-
-// A receiver at one rate: at any other it is heard as noise.
-class Receiver {
-  public:
-    Receiver(ScriptedCommDevice& port, std::uint32_t baudRate)
-        : thread_([this, &port, baudRate] {
-              while (!isStopped_) {
-                  const bool isHeard = port.isOpen() && port.state().BaudRate == baudRate;
-                  const std::string line = isHeard ? Line("PKVRL,1") : "$\xFE,\r\n$~~~,noise\r\n";
-                  // Enough to fill a read.
-                  for (int i = 0; i < 20; ++i)
-                      port.Feed(line);
-                  std::this_thread::sleep_for(std::chrono::milliseconds(1));
-              }
-          }) {}
-    ~Receiver() {
-        isStopped_ = true;
-        thread_.join();
-    }
-
-  private:
-    std::atomic<bool> isStopped_{false};
-    std::thread thread_;
+    LockedQueue<std::string> lines_;
 };
 
 class PortReaderTest : public testing::Test {
   protected:
-    void List(std::int32_t number) {
-        machine_.memoryRegistry().AddText(u"Drivers\\Active\\" + Wide(number), u"Name",
-                                          u"COM" + Wide(number) + u":");
+    // The port is listed; it can be opened once it is asked for.
+    void List(char16_t digit) {
+        const std::u16string name = std::u16string(u"COM") + digit + u":";
+        machine_.memoryRegistry().AddText(u"Drivers\\Active\\" + name, u"Name", name);
     }
-    static std::u16string Wide(std::int32_t number) {
-        const std::string digits = std::to_string(number);
-        return {digits.begin(), digits.end()};
+    // A receiver at one rate: at any other it is heard as noise. Says enough to fill a read.
+    void Connect(std::int32_t port, std::int32_t baudRate) {
+        machine_.Port(port);
+        log_.onTry = [this, port, baudRate](const PortChoice& current) {
+            if (current.comPort != port) return;
+            for (int i = 0; i < 20; ++i)
+                machine_.Port(port).Feed(current.baudRate == baudRate ? Line("PKVRL,1")
+                                                                      : "$\xFE,\r\n$~~~,noise\r\n");
+        };
     }
     void Enable(const PortChoice& choice) {
+        log_.Clear();
         ErrorSlot error;
         EXPECT_TRUE(reader_.Enable(choice, error)) << error.text();
     }
-    void Share() { machine_.sharedReceiver().create = {}; }
+    int TimesOpened(std::int32_t port) { return machine_.Port(port).CallCount(CommCall::Open); }
+
+    static constexpr PortChoice kAnything = {kSearchForPort, kDetectBaudRate};
 
     ScriptedMachine machine_;
-    ReaderLog log_;
     SharedReceiverScript& shared_ = machine_.sharedReceiver();
+    ReaderLog log_;
     PortReader reader_{machine_, log_, kTryMs};
 };
 
 TEST_F(PortReaderTest, FindsAReceiverAmongPorts) {
-    for (const int number : {2, 3, 4, 5})
-        List(number);
-    machine_.Port(2);
-    machine_.Port(4);  // 3 is listed, but cannot be opened
+    for (const char16_t port : {u'2', u'3', u'4', u'5'})
+        List(port);
+    machine_.Port(2);  // 3 is listed, but cannot be opened
     machine_.Port(5);
-    const Receiver receiver(machine_.Port(4), 38400);
-    Enable({kSearchForPort, kDetectBaudRate});
-    ASSERT_TRUE(log_.WaitFor("valid 4@38400"));
-    ASSERT_TRUE(log_.WaitFor(Sentence("PKVRL,1")));
+    Connect(4, 38400);
+    Enable(kAnything);
+    log_.Await("valid 4@38400");
+    EXPECT_THAT(log_.taken, ElementsAre("try 2@4800", "try 2@9600", "try 2@38400", "try 2@19200",
+                                        "try 2@57600", "try 2@115200", "try 4@4800", "try 4@9600",
+                                        "try 4@38400", "valid 4@38400"));
+    log_.Await(Sentence("PKVRL,1"));
     reader_.Disable();
     EXPECT_FALSE(machine_.Port(4).isOpen());
-
-    std::vector<std::string> tries = log_.Take();
-    std::erase_if(tries, [](const std::string& line) { return line.find("try") != 0; });
-    EXPECT_EQ(tries, (std::vector<std::string>{"try 2@4800", "try 2@9600", "try 2@38400",
-                                               "try 2@19200", "try 2@57600", "try 2@115200",
-                                               "try 4@4800", "try 4@9600", "try 4@38400"}));
 }
 
 TEST_F(PortReaderTest, KeepsToWhatIsGiven) {
-    List(2);
+    List(u'2');
     machine_.Port(2);
-    const Receiver receiver(machine_.Port(6), 57600);
+    Connect(6, 57600);
     Enable({6, kDetectBaudRate});
-    ASSERT_TRUE(log_.WaitFor("valid 6@57600"));
+    log_.Await("valid 6@57600");
     reader_.Disable();
-    log_.Take();
-    EXPECT_EQ(machine_.Port(2).CallCount(CommCall::Open), 0);
+    EXPECT_EQ(TimesOpened(2), 0);
 
-    List(6);
+    List(u'6');
     Enable({kSearchForPort, 57600});
-    ASSERT_TRUE(log_.WaitFor("valid 6@57600"));
+    log_.Await("valid 6@57600");
+    EXPECT_THAT(log_.taken, ElementsAre("try 2@57600", "try 6@57600", "valid 6@57600"));
     reader_.Disable();
-    EXPECT_EQ(machine_.Port(2).CallCount(CommCall::Open), 1);
 }
 
 TEST_F(PortReaderTest, StartsOverWhenTheFoundPortFails) {
-    List(2);
-    const Receiver receiver(machine_.Port(2), 4800);
-    Enable({kSearchForPort, kDetectBaudRate});
-    ASSERT_TRUE(log_.WaitFor(Sentence("PKVRL,1")));
-    log_.Take();
+    List(u'2');
+    Connect(2, 4800);
+    Enable(kAnything);
+    log_.Await(Sentence("PKVRL,1"));
     machine_.Port(2).FailCall(CommCall::Read, 1, 21);
-    ASSERT_TRUE(log_.WaitFor("ended"));
-    ASSERT_TRUE(log_.WaitFor("valid 2@4800"));
+    log_.Await("ended");
+    log_.Await("valid 2@4800");
+    reader_.Disable();
+}
+
+// What is still in the port's buffer when the rate changes was heard at the old rate.
+TEST_F(PortReaderTest, ForgetsWhatWasHeardAtAnotherRate) {
+    List(u'2');
+    const std::string line = Line("PKVRL,1");
+    const std::size_t half = line.find('*');
+    log_.onTry = [&](const PortChoice& current) {
+        const bool isFirst = current.baudRate == 4800;
+        // Enough to fill a read behind the second half.
+        machine_.Port(2).Feed(isFirst ? line.substr(0, half)
+                                      : line.substr(half) + std::string(256, ' '));
+    };
+    machine_.Port(2);
+    Enable(kAnything);
+    log_.Await("try 2@115200");
+    EXPECT_THAT(log_.taken, Each(StartsWith("try")));
     reader_.Disable();
 }
 
 // A search that finds nothing goes on until it is told to stop, whatever there is to try.
 TEST_F(PortReaderTest, SearchesUntilDisabled) {
-    Enable({kSearchForPort, kDetectBaudRate});
+    Enable(kAnything);
     reader_.Disable();
-    List(2);
+    List(u'2');
     machine_.Port(2);
     for (int i = 0; i < 5; ++i) {
-        Enable({kSearchForPort, kDetectBaudRate});
-        ASSERT_TRUE(log_.WaitFor("try 2@4800"));
+        Enable(kAnything);
+        log_.Await("try 2@4800");
         reader_.Disable();
-        log_.Take();
     }
-    Enable({kSearchForPort, kDetectBaudRate});
+    Enable(kAnything);
+    log_.Await("try 2@4800");
+    log_.Await("try 2@4800");
     reader_.Stop();
     EXPECT_FALSE(machine_.Port(2).isOpen());
 }
 
 TEST_F(PortReaderTest, ReadsFromTheSharedReceiver) {
-    Share();
-    List(2);
+    shared_.create = {};
+    List(u'2');
     for (const std::int32_t comPort : {kSharedReceiverOnly, kSearchForPort}) {
         shared_.calls.clear();
         Enable({comPort, 4800});
-        ASSERT_TRUE(log_.WaitFor("try -1@0"));
-        EXPECT_EQ(shared_.calls, (std::vector<std::string>{"create", "connect", "6(1)", "4()"}));
+        log_.Await("try -1@0");
+        EXPECT_THAT(shared_.calls, ElementsAre("create", "connect", "6(1)", "4()"));
         // More at once than the ring holds.
         std::string text;
         for (int i = 0; i < 100; ++i)
             text += Line("PKVRL," + std::to_string(i));
         shared_.listener->OnText(text);
-        ASSERT_TRUE(log_.WaitFor(Sentence("PKVRL,99")));
-        ASSERT_TRUE(log_.WaitFor("valid -1@0"));
-        EXPECT_EQ(log_.Take().size(), 102U);
+        log_.Await(Sentence("PKVRL,99"));
+        EXPECT_EQ(log_.taken.size(), 102U);
+        EXPECT_EQ(log_.taken[1], "valid -1@0");
         reader_.Disable();
         EXPECT_EQ(shared_.listener, nullptr);
     }
 }
 
 TEST_F(PortReaderTest, SearchesOnceTheSharedReceiverCloses) {
-    Share();
-    List(2);
-    const Receiver receiver(machine_.Port(2), 4800);
+    shared_.create = {};
+    List(u'2');
+    Connect(2, 4800);
     for (const bool isSearch : {false, true}) {
         Enable({isSearch ? kSearchForPort : kSharedReceiverOnly, kDetectBaudRate});
-        ASSERT_TRUE(log_.WaitFor("try -1@0"));
+        log_.Await("try -1@0");
         shared_.listener->OnClosed();
-        ASSERT_TRUE(log_.WaitFor("ended"));
-        if (isSearch) {
-            ASSERT_TRUE(log_.WaitFor("valid 2@4800"));
-        }
-        EXPECT_EQ(machine_.Port(2).CallCount(CommCall::Open), isSearch ? 1 : 0);
+        log_.Await("ended");
+        if (isSearch) log_.Await("valid 2@4800");
+        EXPECT_EQ(TimesOpened(2), isSearch ? 1 : 0);
         reader_.Disable();
-        log_.Take();
     }
 }
 

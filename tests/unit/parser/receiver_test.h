@@ -3,11 +3,15 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <functional>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <thread>
+#include <utility>
 
 #include "parser/nmea_parser.h"
+#include "platform/host/scripted_machine.h"
 #include "results/decoded_sentence.h"
 #include "unit/nmea/sentence_text.h"
 
@@ -15,13 +19,12 @@ namespace kavrel {
 
 class EventLog {
   public:
-    static EventSink SinkTo(EventLog& log, std::initializer_list<ParserEvent> without = {}) {
+    EventSink Sink(std::initializer_list<ParserEvent> without = {}) {
         EventSink sink;
-        sink.context = &log;
+        sink.context = this;
         sink.callbacks.fill(&EventLog::OnEvent);
-        for (const ParserEvent event : without) {
+        for (const ParserEvent event : without)
             sink.callbacks[static_cast<std::size_t>(event)] = nullptr;
-        }
         return sink;
     }
 
@@ -29,6 +32,7 @@ class EventLog {
     std::string Take() { return std::exchange(text_, {}); }
 
     static std::string Describe(ParserEvent event, Record& object) {
+        const auto number = [](double value) { return std::to_string(static_cast<int>(value)); };
         switch (event) {
             case ParserEvent::Generic:
                 return "Generic:" + std::string(static_cast<NmeaSentence&>(object).Command());
@@ -40,18 +44,15 @@ class EventLog {
             }
             case ParserEvent::GpsFix: {
                 auto& fix = static_cast<GpsFix&>(object);
-                std::string text = "Fix" + std::to_string(fix.FixType());
-                if (fix.time()) text += "@" + fix.time()->Format(TimeStyle::NmeaTime);
-                return text;
+                return "Fix" + number(fix.FixType()) +
+                       (fix.time() ? "@" + fix.time()->Format(TimeStyle::NmeaTime) : "");
             }
             case ParserEvent::Movement:
-                return "Movement:" +
-                       std::to_string(static_cast<int>(static_cast<Movement&>(object).Speed(0)));
+                return "Movement:" + number(static_cast<Movement&>(object).Speed(0));
             case ParserEvent::Satellites:
-                return "Satellites:" + std::to_string(static_cast<Satellites&>(object).Count());
+                return "Satellites:" + number(static_cast<Satellites&>(object).Count());
             case ParserEvent::Quality:
-                return "Quality:" +
-                       std::to_string(static_cast<int>(static_cast<Quality&>(object).Pdop()));
+                return "Quality:" + number(static_cast<Quality&>(object).Pdop());
             case ParserEvent::ComStatus:
                 return static_cast<ComStatus&>(object).ValidFix() ? "Status+" : "Status-";
             case ParserEvent::Count:
@@ -60,12 +61,15 @@ class EventLog {
         return "?";
     }
 
+    // What the client does with an event, once it is written down.
+    std::function<void(ParserEvent, Record&)> act;
+
   private:
     static void OnEvent(void* context, ParserEvent event, Record& object) {
         EXPECT_FALSE(libraryLock.IsHeldByThisThread());
-        std::string& text = static_cast<EventLog*>(context)->text_;
-        if (!text.empty()) text += ' ';
-        text += Describe(event, object);
+        auto& log = *static_cast<EventLog*>(context);
+        log.text_ += (log.text_.empty() ? "" : " ") + Describe(event, object);
+        if (log.act) log.act(event, object);
     }
 
     std::string text_;
@@ -73,10 +77,9 @@ class EventLog {
 
 class ReceiverTest : public testing::Test {
   protected:
-    ReceiverTest() { parser_->SetEventSink(EventLog::SinkTo(log_)); }
+    ReceiverTest() { parser_->SetEventSink(log_.Sink()); }
     void TearDown() override {
-        parser_.Reset();
-        EXPECT_EQ(Record::LiveCount(), liveBefore_);
+        if (parser_) parser_->ShutDown();
     }
 
     // The events that a sentence causes.
@@ -84,18 +87,27 @@ class ReceiverTest : public testing::Test {
         parser_->Parse(Line(body));
         return log_.Take();
     }
-    std::string FeedGga(std::string_view time, char quality = '1') {
-        return Feed("GPGGA," + std::string(time) + ",4730,N,00843,E," + quality +
-                    ",08,1.1,432.5,M,47.9,M,,");
-    }
-    std::string FeedRmc(std::string_view time, std::string_view date, char status = 'A') {
-        return Feed("GPRMC," + std::string(time) + "," + status + ",4730,N,00843,E,32,45," +
-                    std::string(date) + ",,");
+    std::string FeedGga(const std::string& time) {
+        return Feed("GPGGA," + time + ",4730,N,00843,E,1,08,1.1,432.5,M,47.9,M,,");
     }
 
-    std::int32_t liveBefore_ = Record::LiveCount();
-    Ref<NmeaParser> parser_ = MakeRef<NmeaParser>();
+    // Handles messages until the log holds an event of that description, and returns all of it.
+    std::string HandleUntil(const std::string& last) {
+        std::string text;
+        for (int i = 0; i < 10000; ++i) {
+            machine_.messages().HandleAll();
+            const std::string more = log_.Take();
+            text += (text.empty() || more.empty() ? "" : " ") + more;
+            if (text.find(last) != std::string::npos) return text;
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        return text + " (gave up)";
+    }
+
+    ScriptedMachine machine_;
+    ScriptedCommDevice& port_ = machine_.Port(3);  // the only one
     EventLog log_;
+    Ref<NmeaParser> parser_ = MakeRef<NmeaParser>(machine_);
 };
 
 }  // namespace kavrel
