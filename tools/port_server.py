@@ -5,16 +5,13 @@ a line that begins with a port's number, or with "-". Each is answered at once:
 
     request                                  answer
     - open                                   the number of a new port with a device plugged in
-    - time                                   nanoseconds
     N close                                  the port is no longer there
     N feed COUNT, then COUNT bytes           they are given to the program in the background
     N stream COUNT MS, then COUNT bytes      the same again and again, once each MS milliseconds;
                                              with 0 as fast as they are taken
-    N left                                   LEFT TIME: how many bytes of a feed the program has not
-                                             taken yet, and when it was offered the first
+    N left                                   how many bytes of a feed the program has not taken yet
     N stop                                   the feed or stream ends; a new one ends it, too
     N written                                COUNT, then COUNT bytes: what the program wrote
-    N listen 0|1                             whether what the program writes is taken at all
     N lines [CTS] [DSR] [RING] [RLSD]        sets the input lines, the others are off
     N outputs                                the output lines that are on: [DTR] [RTS]
     N baud                                   the rate that the program set
@@ -24,8 +21,6 @@ a line that begins with a port's number, or with "-". Each is answered at once:
 An answer is a text of 64 characters, filled up with spaces, that begins with "ok" or "error"; where
 said so, bytes follow.
 """
-
-import time
 
 import serial_ports
 
@@ -86,9 +81,6 @@ class PortServer:
         del self._ports[str(port.number)]
         self._free.append(port.number)
 
-    def _time(self):
-        return time.monotonic_ns()
-
     def _feed(self, port, data):
         port.start_stream([data], rounds=1)
 
@@ -96,16 +88,13 @@ class PortServer:
         port.start_stream([data], int(milliseconds) / 1000)
 
     def _left(self, port):
-        return f"{port.stream.left} {port.stream.begun}"
+        return port.stream.left
 
     def _stop(self, port):
         port.stop_stream()
 
     def _written(self, port):
         return port.device.take_written(0)
-
-    def _listen(self, port, is_on):
-        port.device.listen(is_on == "1")
 
     def _lines(self, port, *names):
         port.device.state["inputs"] = sum(serial_ports.INPUTS[name] for name in names)

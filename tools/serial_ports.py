@@ -65,7 +65,6 @@ class Device:
         self.state = LineState(state_folder, int(Path(self.path).name))
         self._wake = os.eventfd(0, os.EFD_CLOEXEC)
         self._is_closing = False
-        self.is_listening = True
         self._changed = threading.Condition()
         self._written = bytearray()
         self._collector = threading.Thread(target=self._collect, daemon=True)
@@ -74,8 +73,7 @@ class Device:
     def _collect(self):
         """Takes what the program writes."""
         while not self._is_closing:
-            watched = [self._wake, self._master] if self.is_listening else [self._wake]
-            ready, _, _ = select.select(watched, [], [])
+            ready, _, _ = select.select([self._wake, self._master], [], [])
             if self._wake in ready:
                 os.eventfd_read(self._wake)
                 continue
@@ -83,11 +81,6 @@ class Device:
             with self._changed:
                 self._written += data
                 self._changed.notify_all()
-
-    def listen(self, is_on):
-        """Without listening the pseudo terminal fills up, and then writing to it blocks."""
-        self.is_listening = is_on
-        os.eventfd_write(self._wake, 1)
 
     def take_written(self, count):
         """What the program wrote; waits until it is that many bytes."""
@@ -126,7 +119,6 @@ class Stream:
 
     def __init__(self, device, pieces, interval, rounds):
         self.left = sum(map(len, pieces))  # of the first round
-        self.begun = 0  # when the first byte was offered: nanoseconds
         self._stop = threading.Event()
         self._thread = threading.Thread(
             target=self._run, args=(device, pieces, interval, rounds), daemon=True
@@ -135,7 +127,6 @@ class Stream:
 
     def _run(self, device, pieces, interval, rounds):
         due = time.monotonic()
-        self.begun = time.monotonic_ns()
         while rounds != 0:
             for piece in pieces:
                 self.left -= device.feed(piece, self._stop.is_set)

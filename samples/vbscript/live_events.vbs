@@ -15,9 +15,12 @@ parser.BaudRate = WScript.Arg(1)
 ' At most one fix each ten seconds of the receiver's time.
 parser.EventInterval 10000, kvEventGpsFix
 parser.PortEnabled = True
-For seconds = 1 To 5
+' Five seconds, or until there were enough.
+seconds = 0
+Do While seconds < 5 And fixes < 5
     WScript.Sleep 1000
-Next
+    seconds = seconds + 1
+Loop
 parser.PortEnabled = False
 WScript.DisconnectObject parser
 

@@ -18,65 +18,44 @@ namespace {
 
 using RegistrationFaultTest = RegistrationTest;
 
+constexpr LSTATUS kDenied = ERROR_ACCESS_DENIED;
 constexpr HRESULT kNoTypeLibrary = TYPE_E_CANTLOADLIBRARY;
 
-// Registers while each call of a function fails in turn.
+// Registers or unregisters while each call of a function fails in turn: alternately it alone and
+// all from there on, for the classes' scripts are alike.
 template <typename Function>
-void ExpectTheFirstFailure(const char* name, auto failure, HRESULT expected, Failing failing) {
-    for (int n = 1;; ++n) {
+void ExpectResult(HRESULT expected, HRESULT run(), const char* name, auto failure) {
+    bool hasFailed = true;
+    for (int n = 1; hasFailed; ++n) {
+        if (run == UnregisterServer) RegisterServer();
+        const Failing failing = n % 2 != 0 ? Failing::FromThenOn : Failing::Once;
         const FailingImport<Function> fault(name, n, failure, failing);
-        const HRESULT result = RegisterServer();
-        if (!fault.HasFailed()) {
-            EXPECT_EQ(S_OK, result);
-            EXPECT_LT(1, n) << name << " is never called";
-            return;
-        }
-        EXPECT_EQ(expected, result) << name << ", call " << n;
+        const HRESULT result = run();
+        hasFailed = fault.HasFailed();
+        EXPECT_EQ(hasFailed ? expected : S_OK, result) << name << ", call " << n;
+        EXPECT_TRUE(hasFailed || n > 1) << name << " is never called";
     }
 }
 
 TEST_F(RegistrationFaultTest, FirstFailureIsReturned) {
-    constexpr LSTATUS kDenied = ERROR_ACCESS_DENIED;
-    constexpr HRESULT kExpected = E_ACCESSDENIED;
-    for (const Failing failing : {Failing::Once, Failing::FromThenOn}) {
-        ExpectTheFirstFailure<decltype(RegCreateKeyExW)>("RegCreateKeyExW", kDenied, kExpected,
-                                                         failing);
-        ExpectTheFirstFailure<decltype(RegOpenKeyExW)>("RegOpenKeyExW", kDenied, kExpected,
-                                                       failing);
-        ExpectTheFirstFailure<decltype(RegSetValueExW)>("RegSetValueExW", kDenied, kExpected,
-                                                        failing);
-        ExpectTheFirstFailure<decltype(RegDeleteKeyW)>("RegDeleteKeyW", kDenied, kExpected,
-                                                       failing);
-        ExpectTheFirstFailure<decltype(RegisterTypeLib)>("RegisterTypeLib", TYPE_E_REGISTRYACCESS,
-                                                         TYPE_E_REGISTRYACCESS, failing);
-    }
-    ExpectTheFirstFailure<decltype(LoadTypeLib)>("LoadTypeLib", kNoTypeLibrary, kNoTypeLibrary,
-                                                 Failing::FromThenOn);
-}
-
-// Unregisters while each call of a function fails in turn: it always ends, and says nothing.
-template <typename Function>
-void ExpectQuiet(const char* name, auto failure) {
-    for (const Failing failing : {Failing::Once, Failing::FromThenOn}) {
-        for (int n = 1;; ++n) {
-            ASSERT_EQ(S_OK, RegisterServer());
-            const FailingImport<Function> fault(name, n, failure, failing);
-            EXPECT_EQ(S_OK, UnregisterServer()) << name << ", call " << n;
-            if (fault.HasFailed()) continue;
-            EXPECT_LT(1, n) << name << " is never called";
-            break;
-        }
-    }
+    const auto run = RegisterServer;
+    ExpectResult<decltype(RegCreateKeyExW)>(E_ACCESSDENIED, run, "RegCreateKeyExW", kDenied);
+    ExpectResult<decltype(RegOpenKeyExW)>(E_ACCESSDENIED, run, "RegOpenKeyExW", kDenied);
+    ExpectResult<decltype(RegSetValueExW)>(E_ACCESSDENIED, run, "RegSetValueExW", kDenied);
+    ExpectResult<decltype(RegDeleteKeyW)>(E_ACCESSDENIED, run, "RegDeleteKeyW", kDenied);
+    ExpectResult<decltype(RegisterTypeLib)>(TYPE_E_REGISTRYACCESS, run, "RegisterTypeLib",
+                                            TYPE_E_REGISTRYACCESS);
+    ExpectResult<decltype(LoadTypeLib)>(kNoTypeLibrary, run, "LoadTypeLib", kNoTypeLibrary);
 }
 
 TEST_F(RegistrationFaultTest, UnregisteringNeverFails) {
     SetUsageCount(1);
-    constexpr LSTATUS kDenied = ERROR_ACCESS_DENIED;
-    ExpectQuiet<decltype(RegOpenKeyExW)>("RegOpenKeyExW", kDenied);
-    ExpectQuiet<decltype(RegQueryValueExW)>("RegQueryValueExW", kDenied);
-    ExpectQuiet<decltype(RegEnumKeyExW)>("RegEnumKeyExW", kDenied);
-    ExpectQuiet<decltype(RegDeleteKeyW)>("RegDeleteKeyW", kDenied);
-    ExpectQuiet<decltype(LoadTypeLib)>("LoadTypeLib", kNoTypeLibrary);
+    const auto run = UnregisterServer;
+    ExpectResult<decltype(RegOpenKeyExW)>(S_OK, run, "RegOpenKeyExW", kDenied);
+    ExpectResult<decltype(RegQueryValueExW)>(S_OK, run, "RegQueryValueExW", kDenied);
+    ExpectResult<decltype(RegEnumKeyExW)>(S_OK, run, "RegEnumKeyExW", kDenied);
+    ExpectResult<decltype(RegDeleteKeyW)>(S_OK, run, "RegDeleteKeyW", kDenied);
+    ExpectResult<decltype(LoadTypeLib)>(S_OK, run, "LoadTypeLib", kNoTypeLibrary);
 }
 
 // Our own tables serve all but what only the type library knows. Once it was loaded it is kept, so

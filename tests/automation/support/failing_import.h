@@ -26,16 +26,20 @@ class Countdown {
     Failing failing_;
 };
 
-// For a scope. The nth call from now on (1 is the next) returns `failure` and does nothing. One at
-// a time for each type of function.
+// For a scope. The nth call from now on (1 is the next) returns `failure`, with that last error,
+// and does nothing. One at a time for each type of function.
 template <typename Function>
 class FailingImport;
 
 template <typename Result, typename... Arguments>
 class FailingImport<Result WINAPI(Arguments...)> {
   public:
-    FailingImport(const char* name, LONG nth, Result failure, Failing failing = Failing::Once)
-        : countdown_(nth, failing), failure_(failure), hook_(name, &Replacement) {
+    FailingImport(const char* name, LONG nth, Result failure, Failing failing = Failing::Once,
+                  DWORD lastError = ERROR_NOT_ENOUGH_MEMORY)
+        : countdown_(nth, failing),
+          failure_(failure),
+          lastError_(lastError),
+          hook_(name, &Replacement) {
         current_ = this;
     }
     FailingImport(const FailingImport&) = delete;
@@ -47,14 +51,16 @@ class FailingImport<Result WINAPI(Arguments...)> {
     using Function = Result WINAPI(Arguments...);
 
     static Result WINAPI Replacement(Arguments... arguments) {
-        if (current_->countdown_.Strikes()) return current_->failure_;
-        return current_->hook_.original()(arguments...);
+        if (!current_->countdown_.Strikes()) return current_->hook_.original()(arguments...);
+        SetLastError(current_->lastError_);
+        return current_->failure_;
     }
 
     static inline FailingImport* current_ = nullptr;
 
     Countdown countdown_;
     Result failure_;
+    DWORD lastError_;
     ImportHook<Function> hook_;
 };
 

@@ -3,10 +3,6 @@
 
 namespace kavrel::tests {
 
-// The place in the DLL's import table where the address of that function stands, from whichever
-// library it comes; null when the DLL does not import it.
-void** ImportedPlace(const char* name);
-
 // For a scope. Hooks of one function must end in the reverse order of their making. The
 // replacement runs on whatever thread the DLL calls from.
 //     const ImportHook hook("GetTickCount", +[]() WINAPI -> DWORD { ... });

@@ -2,7 +2,22 @@
 
 #include <windows.h>
 
+#include <chrono>
+#include <cstdio>
+
 namespace kavrel::tests {
+
+namespace {
+
+std::string DescribeStatus(IDispatch* status) {
+    std::string text = std::to_string(Get(status, L"ComPort").value.number()) + "@" +
+                       std::to_string(Get(status, L"BaudRate").value.number());
+    if (Get(status, L"ValidNmea").value.number() != 0) text += " nmea";
+    if (Get(status, L"ValidFix").value.number() != 0) text += " fix";
+    return text;
+}
+
+}  // namespace
 
 const std::string kGgaLine =
     Line("GPGGA,120000.00,4730.0000,N,00843.0000,E,1,08,1.1,432.5,M,47.9,M,,");
@@ -13,13 +28,9 @@ std::string Line(std::string_view body) {
     unsigned sum = 0;
     for (const char c : body)
         sum ^= static_cast<unsigned char>(c);
-    constexpr char kDigits[] = "0123456789ABCDEF";
-    std::string line = "$";
-    line += body;
-    line += '*';
-    line += kDigits[sum >> 4];
-    line += kDigits[sum & 15];
-    return line + "\r\n";
+    char end[8];
+    std::snprintf(end, sizeof end, "*%02X\r\n", sum);
+    return "$" + std::string(body) + end;
 }
 
 bool DispatchUntil(const std::function<bool()>& done, int timeoutMs) {
@@ -42,30 +53,11 @@ void DispatchFor(int ms) {
     DispatchUntil([] { return false; }, ms);
 }
 
-void DispatchAll() {
-    MSG message;
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
-        DispatchMessageW(&message);
-}
-
 double MillisecondsOf(const std::function<void()>& action) {
-    LARGE_INTEGER frequency;
-    LARGE_INTEGER start;
-    LARGE_INTEGER end;
-    QueryPerformanceFrequency(&frequency);
-    QueryPerformanceCounter(&start);
+    const auto start = std::chrono::steady_clock::now();
     action();
-    QueryPerformanceCounter(&end);
-    return 1000.0 * static_cast<double>(end.QuadPart - start.QuadPart) /
-           static_cast<double>(frequency.QuadPart);
-}
-
-std::string DescribeStatus(IDispatch* status) {
-    std::string text = std::to_string(Get(status, L"ComPort").value.number()) + "@" +
-                       std::to_string(Get(status, L"BaudRate").value.number());
-    if (Get(status, L"ValidNmea").value.number() != 0) text += " nmea";
-    if (Get(status, L"ValidFix").value.number() != 0) text += " fix";
-    return text;
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start)
+        .count();
 }
 
 std::string StatusesOf(const EventRecorder& recorder) {
@@ -104,14 +96,12 @@ void LiveTest::Disable() {
     EXPECT_EQ("", Outcome(Put(parser(), L"PortEnabled", false)));
 }
 
-std::string LiveTest::Status() {
-    return DescribeStatus(Call(parser(), L"GetComStatus").value.object());
-}
-
-bool LiveTest::WaitForStatus(const std::string& status, int timeoutMs) {
-    const bool isThere = DispatchUntil([&] { return Status() == status; }, timeoutMs);
-    EXPECT_EQ(status, Status());
-    return isThere;
+void LiveTest::WaitForStatus(const std::string& status) {
+    const auto now = [this] {
+        return DescribeStatus(Call(parser(), L"GetComStatus").value.object());
+    };
+    DispatchUntil([&] { return now() == status; });
+    EXPECT_EQ(status, now());
 }
 
 }  // namespace kavrel::tests

@@ -37,14 +37,13 @@ bool DispatchUntil(const std::function<bool()>& done, int timeoutMs = 20000);
 // For so long, whatever happens.
 void DispatchFor(int ms);
 
-// What waits, at once.
-void DispatchAll();
-
 // How long the action took, in milliseconds, by the precise clock.
 double MillisecondsOf(const std::function<void()>& action);
 
-// "3@4800 nmea fix" of a ComStatus: port, rate, and the flags that are set.
-std::string DescribeStatus(IDispatch* status);
+// A ComStatus as text, "3@4800 nmea fix": port, rate, and the flags that are set. Of that port:
+inline std::string At(const TestPort& port, const std::string& rateAndFlags) {
+    return std::to_string(port.number()) + "@" + rateAndFlags;
+}
 
 // As each OnComStatus event of the recorder told it, in order: "3@4800, 3@4800 nmea".
 std::string StatusesOf(const EventRecorder& recorder);
@@ -64,18 +63,13 @@ class LiveTest : public AutomationTest {
     void TearDown() override;
 
     IDispatch* parser() { return parser_.Get(); }
-    Microsoft::WRL::ComPtr<IDispatch>& reference() { return parser_; }
 
     void Enable(TestPort& port, int rate = 4800) { EnablePort(parser(), port, rate); }
     void Disable();
 
-    // What GetComStatus tells now.
-    std::string Status();
-
     // Waits until GetComStatus tells that, dispatching messages meanwhile.
-    bool WaitForStatus(const std::string& status, int timeoutMs = 20000);
+    void WaitForStatus(const std::string& status);
 
-  private:
     Microsoft::WRL::ComPtr<IDispatch> parser_;
 };
 

@@ -1,41 +1,144 @@
 #include "automation/support/shared_receiver_server.h"
 
+#include <gtest/gtest.h>
+#include <olectl.h>
+
 #include "automation/support/var.h"
-#include "platform/win32/shared_receiver_ids.h"
+
+using Microsoft::WRL::ComPtr;
 
 namespace kavrel::tests {
 
 namespace {
 
-// Stays loaded as long as the program: COM loads the same module.
-HMODULE Module() {
-    static const HMODULE module = LoadLibraryA(KAVREL_BUILD "/tests/sharedreceiver.dll");
-    return module;
+// Makes the class known in the calling thread's apartment, which it enters.
+DWORD Install(IClassFactory& factory, DWORD apartment) {
+    CoInitializeEx(nullptr, apartment);
+    DWORD cookie = 0;
+    EXPECT_EQ(S_OK, CoRegisterClassObject(kSharedReceiverClass, &factory, CLSCTX_INPROC_SERVER,
+                                          REGCLS_MULTIPLEUSE, &cookie));
+    return cookie;
 }
 
-template <typename Function>
-Function Export(const char* name) {
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(Module(), name)));
+void Remove(DWORD cookie) {
+    CoRevokeClassObject(cookie);
+    CoUninitialize();
+}
+
+void SetErrorText(const wchar_t* description) {
+    ComPtr<ICreateErrorInfo> creation;
+    ComPtr<IErrorInfo> info;
+    CreateErrorInfo(&creation);
+    creation->SetDescription(const_cast<wchar_t*>(description));
+    creation.As(&info);
+    SetErrorInfo(0, info.Get());
 }
 
 }  // namespace
 
-SharedReceiverServer::SharedReceiverServer() {
-    if (Module() == nullptr) return;
-    if (FAILED(Export<HRESULT(WINAPI*)()>("DllRegisterServer")())) return;
-    standIn_ = Export<GetSharedReceiverStandIn>(kGetSharedReceiverStandIn)();
-    standIn_->Reset();
+SharedReceiverServer::SharedReceiverServer()
+    : cookie_(Install(*this, COINIT_APARTMENTTHREADED)), elsewhere_([this] {
+          const DWORD cookie = Install(*this, COINIT_MULTITHREADED);
+          isKnown_.count_down();
+          isOver_.wait();
+          Remove(cookie);
+      }) {
+    isKnown_.wait();
+    restReferences_ = references_;
 }
 
 SharedReceiverServer::~SharedReceiverServer() {
-    if (standIn_ == nullptr) return;
-    standIn_->Reset();
-    Export<HRESULT(WINAPI*)()>("DllUnregisterServer")();
+    isOver_.count_down();
+    elsewhere_.join();
+    Remove(cookie_);
+    EXPECT_EQ(0, references_);
 }
 
-void SharedReceiverServer::RaiseText(const std::wstring& text) const {
-    Var value(text);
-    standIn_->Raise(kSharedReceiverDataEvent, value.get());
+void SharedReceiverServer::Answer(int method, HRESULT status, const wchar_t* description) {
+    const std::lock_guard lock(mutex_);
+    answers_[method] = {status, description};
+}
+
+std::string SharedReceiverServer::calls() const {
+    const std::lock_guard lock(mutex_);
+    return calls_;
+}
+
+int SharedReceiverServer::sinks() const {
+    const std::lock_guard lock(mutex_);
+    return static_cast<int>(sinks_.size());
+}
+
+void SharedReceiverServer::Raise(DISPID event, const VARIANT* value) {
+    std::map<DWORD, Sink> sinks;
+    {
+        const std::lock_guard lock(mutex_);
+        sinks = sinks_;
+    }
+    DISPPARAMS parameters = {const_cast<VARIANT*>(value), nullptr, value != nullptr ? 1U : 0U, 0};
+    for (const auto& [cookie, sink] : sinks) {
+        sink->Invoke(event, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, nullptr,
+                     nullptr, nullptr);
+    }
+}
+
+void SharedReceiverServer::RaiseText(const std::wstring& text) {
+    Raise(kSharedReceiverDataEvent, Var(text).get());
+}
+
+STDMETHODIMP SharedReceiverServer::QueryInterface(REFIID id, void** object) {
+    *object = nullptr;
+    if (id == IID_IUnknown || id == kSharedReceiverInterface) {
+        *object = static_cast<SharedReceiverInterface*>(this);
+    } else if (id == IID_IClassFactory) {
+        *object = static_cast<IClassFactory*>(this);
+    } else if (id == IID_IConnectionPointContainer) {
+        *object = static_cast<IConnectionPointContainer*>(this);
+    } else {
+        return E_NOINTERFACE;
+    }
+    AddRef();
+    return S_OK;
+}
+
+STDMETHODIMP SharedReceiverServer::FindConnectionPoint(REFIID id, IConnectionPoint** point) {
+    *point = nullptr;
+    if (id != kSharedReceiverEvents || !offersEvents) return CONNECT_E_NOCONNECTION;
+    *point = this;
+    AddRef();
+    return S_OK;
+}
+
+STDMETHODIMP SharedReceiverServer::Advise(IUnknown* sink, DWORD* cookie) {
+    Sink events;
+    const HRESULT status = sink->QueryInterface(kSharedReceiverEvents,
+                                                reinterpret_cast<void**>(events.GetAddressOf()));
+    if (FAILED(status)) return CONNECT_E_CANNOTCONNECT;
+    const std::lock_guard lock(mutex_);
+    *cookie = ++lastCookie_;
+    sinks_[*cookie] = std::move(events);
+    return S_OK;
+}
+
+STDMETHODIMP SharedReceiverServer::Unadvise(DWORD cookie) {
+    Sink released;  // outside of the lock
+    const std::lock_guard lock(mutex_);
+    const auto found = sinks_.find(cookie);
+    if (found == sinks_.end()) return CONNECT_E_NOCONNECTION;
+    if (keepsSinks) return S_OK;
+    released = std::move(found->second);
+    sinks_.erase(found);
+    return S_OK;
+}
+
+HRESULT SharedReceiverServer::Called(int method, std::optional<LONG> argument) {
+    const std::lock_guard lock(mutex_);
+    calls_ += std::to_string(method) + "(" + (argument ? std::to_string(*argument) : "") + ") ";
+    const auto found = answers_.find(method);
+    if (found == answers_.end()) return S_OK;
+    const auto& [status, description] = found->second;
+    if (description != nullptr) SetErrorText(description);
+    return status;
 }
 
 }  // namespace kavrel::tests

@@ -10,20 +10,6 @@
 
 namespace kavrel::tests {
 
-// Lines as the far end sees them.
-struct InputLines {
-    bool cts = false;
-    bool dsr = false;
-    bool ring = false;
-    bool rlsd = false;
-};
-struct OutputLines {
-    bool dtr = false;
-    bool rts = false;
-
-    bool operator==(const OutputLines&) const = default;
-};
-
 // A fresh port for as long as the object lives; at most seven at a time. What goes wrong on the
 // server's side fails the test. Thread safety: different ports may be used by different threads.
 class TestPort {
@@ -37,37 +23,32 @@ class TestPort {
     // The device's: "COM2:".
     std::wstring name() const { return L"COM" + std::to_wstring(number_) + L":"; }
 
-    // Gives the bytes to the program and waits until it has taken them all, 20 seconds at most.
-    // The server's time before the first.
-    std::uint64_t Feed(std::string_view bytes);
+    // Opens and closes it. The platform's error; 0: nobody else has it open.
+    std::uint32_t ErrorOfOpening() const;
 
-    // The same, but the program need not take them. The number that it took within that time.
-    size_t Offer(std::string_view bytes, int timeoutMs);
+    // Gives the bytes to the program and waits until it has taken them all, 20 seconds at most.
+    void Feed(std::string_view bytes);
 
     // Feeds the text again and again, once each so many milliseconds, in the background; 0: as
     // fast as it is read.
     void StartStream(std::string_view text, int everyMs);
-    void StopStream();
+    void StopStream() { Ask("stop"); }
 
     // What the program wrote since the last call, as soon as it is so many bytes, or what there is
     // after that time.
     std::string Written(size_t count, int timeoutMs = 5000);
 
-    // Whether what the program writes is taken. If not, its writes block once some 20 KB wait.
-    void SetListening(bool isOn);
-
-    void SetLines(const InputLines& lines);
-    OutputLines Lines();
-    int BaudRate();
-    int Breaks();
+    // Sets the input lines: those of "CTS DSR RING RLSD" that are on.
+    void SetLines(const std::string& names) { Ask("lines " + names); }
+    // The output lines that are on: "DTR RTS".
+    std::string Lines() { return Ask("outputs"); }
+    int BaudRate() { return std::stoi(Ask("baud")); }
+    int Breaks() { return std::stoi(Ask("breaks")); }
 
     // The device is pulled out: reads of who has it open fail, and the port is no longer there.
     // Plugging in again brings another device under the same number.
-    void Unplug();
-    void PlugIn();
-
-    // The server's time: nanoseconds, of unknown origin.
-    static std::uint64_t Time();
+    void Unplug() { Ask("unplug"); }
+    void PlugIn() { Ask("plug"); }
 
   private:
     std::string Ask(const std::string& verb, std::string_view bytes = {});
