@@ -1,15 +1,14 @@
-// Position as clients use it, late-bound.
+// What clients may hand to a position: variables for results, objects of others, references and
+// null pointers. What its members give is in tests/data/automation/position.txt.
 #include <gtest/gtest.h>
+#include <objsafe.h>
 
-#include <cmath>
-#include <optional>
 #include <string>
+#include <utility>
 
 #include "KavrelCE_h.h"
 #include "automation/support/late_call.h"
-#include "automation/support/library.h"
 #include "automation/support/positions.h"
-#include "automation/support/steps.h"
 
 using Microsoft::WRL::ComPtr;
 
@@ -17,321 +16,260 @@ namespace kavrel::tests {
 
 namespace {
 
-constexpr double kSphereRadiusMetres = 6366710.0;
-constexpr double kPi = 3.141592653589793;
+constexpr const char* kNoObject = "80004002 Parameter not a valid object! (Position Class)";
+
+// A variant that refers to a plain variable, as languages with types pass them.
+template <typename Value>
+Var RefTo(VARTYPE type, Value& value) {
+    Var reference;
+    V_VT(reference.get()) = static_cast<VARTYPE>(VT_BYREF | type);
+    V_BYREF(reference.get()) = &value;
+    return reference;
+}
+
+// Four variables of a script, and the arguments that refer to them.
+struct DmsVariables {
+    Var values[4];
+    Vars arguments;
+
+    DmsVariables() {
+        for (Var& value : values)
+            arguments.push_back(Var::To(value));
+    }
+    std::string Read() const {
+        std::string text;
+        for (const Var& value : values)
+            text += Describe(value) + ' ';
+        return text;
+    }
+};
 
 using PositionTest = AutomationTest;
 
-TEST_F(PositionTest, IsEmptyAtFirst) {
-    ExpectSteps(NewPosition().Get(), {
-                                         {L"ModifiedCount", {}, "I4 0"},
-                                         {L"Datum", {}, "I2 1"},
-                                         {L"Grid", {}, "I2 0"},
-                                         {L"Zone", {}, "BSTR ''"},
-                                         {L"Latitude", {}, "R8 0"},
-                                         {L"LongitudeRads", {}, "R8 0"},
-                                         {L"Easting", {}, "R8 0"},
-                                         {L"Northing", {}, "R8 0"},
-                                         {L"Altitude", {}, "R8 0"},
-                                         {L"Altitude", {1}, "R8 0"},
-                                         {L"LatitudeString", {}, "BSTR '0 0'0.00 N'"},
-                                         {L"LatitudeString", {1}, "BSTR '0000.00001'"},
-                                         {L"LongitudeString", {1}, "BSTR '00000.00001'"},
-                                         {L"ModifiedCount", {}, "I4 0"},
-                                     });
-}
+TEST_F(PositionTest, DmsIntoVariants) {
+    const ComPtr<IDispatch> p = PositionAt(-10.51, 18.05);
+    // What is in them before does not matter and is freed.
+    DmsVariables dms;
+    dms.values[0] = 5;
+    dms.values[2] = L"text";
+    dms.values[3] = p.Get();
+    ExpectSteps(p.Get(), {{L"LatitudeDMS", dms.arguments, ""}});
+    EXPECT_EQ("I2 10 I2 30 R8 36 BSTR 'S' ", dms.Read());
+    ExpectSteps(p.Get(), {{L"LongitudeDMS", dms.arguments, ""}});
+    EXPECT_EQ("I2 18 I2 3 R8 0 BSTR 'E' ", dms.Read());
 
-TEST_F(PositionTest, LatitudesAndLongitudes) {
-    ExpectSteps(NewPosition().Get(), {
-                                         {L"=Latitude", {59.5}, ""},
-                                         {L"LatitudeRads", {}, "R8 1.03847"},
-                                         {L"=LatitudeRads", {1.5707963267948966}, ""},
-                                         {L"Latitude", {}, "R8 90"},
-                                         {L"=LatitudeRads", {1.5707963267948968}, kLatitude},
-                                         {L"=Latitude", {-90.001}, kLatitude},
-                                         {L"Latitude", {}, "R8 90"},
-                                         {L"ModifiedCount", {}, "I4 2"},
-                                         {L"=LongitudeRads", {4}, ""},
-                                         {L"LongitudeRads", {}, "R8 -2.28319"},
-                                         {L"=LongitudeRads", {kPi}, ""},
-                                         {L"LongitudeString", {0}, "BSTR '180 0'0.00 E'"},
-                                         {L"=Longitude", {540.5}, ""},
-                                         {L"Longitude", {}, "R8 -179.5"},
-                                         {L"SetLatitudeDMS", {90, 30, 0, L"N"}, ""},
-                                         {L"Latitude", {}, "R8 90.5"},
-                                         {L"SetLatitudeDMS", {-1, 0, 0, L"N"}, kDegrees},
-                                         {L"SetLatitudeDMS", {90.5, 0, 0, L"N"}, kDegrees},
-                                         {L"SetLatitudeDMS", {10, 0, 0, L"s"}, ""},
-                                         {L"Latitude", {}, "R8 10"},
-                                         {L"SetLatitudeDMS", {L"10", L"30", 0, L"South"}, ""},
-                                         {L"Latitude", {}, "R8 -10.5"},
-                                         {L"SetLatitudeDMS", {}, ""},
-                                         {L"Latitude", {}, "R8 0"},
-                                         {L"SetLongitudeDMS", {200, 90, 0, L"W"}, ""},
-                                         {L"Longitude", {}, "R8 158.5"},
-                                         {L"SetAltitude", {0, 12.5}, ""},
-                                         {L"SetAltitude", {L"1", 60}, ""},
-                                         {L"Altitude", {0}, "R8 12.5"},
-                                         {L"Altitude", {1}, "R8 60"},
-                                         {L"Altitude", {2}, kInvalid},
-                                         {L"ModifiedCount", {}, "I4 12"},
-                                         {L"SetAltitude", {2, 5}, kInvalid},
-                                         {L"ModifiedCount", {}, "I4 13"},
-                                         {L"LatitudeString", {2}, kInvalid},
-                                         {L"LongitudeString", {-1}, kInvalid},
-                                     });
-}
+    // A failing call fills them all the same.
+    ExpectSteps(p.Get(),
+                {{L"=Easting", {1}, ""},
+                 {L"LatitudeDMS", dms.arguments, "80042713 Grid not set! (Position Class)"}});
+    EXPECT_EQ("I2 10 I2 30 R8 36 BSTR 'S' ", dms.Read());
 
-TEST_F(PositionTest, Texts) {
-    struct Case {
-        Vars latitude;
-        const char* texts[4];  // latitude 0 and 1, longitude 0 and 1
-    };
-    const Case cases[] = {
-        {{59, 20, 12.345, L"N"}, {"59 20'12.35 N", "5920.20576", "59 20'12.35 E", "05920.20576"}},
-        {{5, 3, 0, L"S"}, {"5 3'0.00 S", "0503.00001", "5 3'0.00 E", "00503.00001"}},
-        {{59, 59, 59.9996, L"N"}, {"60 0'0.00 N", "6000.00001", "60 0'0.00 E", "06000.00001"}},
-        {{59, 9, 59.999, L"N"}, {"59 9'60.00 N", "5909.99999", "59 9'60.00 E", "05909.99999"}},
-    };
-    for (const Case& test : cases) {
-        const ComPtr<IDispatch> p = NewPosition();
-        Vars longitude = test.latitude;
-        longitude[3] = L"E";
-        const auto text = [](const char* value) { return "BSTR '" + std::string(value) + "'"; };
-        ExpectSteps(p.Get(), {{L"SetLatitudeDMS", test.latitude, ""},
-                              {L"SetLongitudeDMS", longitude, ""},
-                              {L"LatitudeString", {0}, text(test.texts[0])},
-                              {L"LatitudeString", {1}, text(test.texts[1])},
-                              {L"LongitudeString", {0}, text(test.texts[2])},
-                              {L"LongitudeString", {1}, text(test.texts[3])}});
+    // Seconds are rounded to a thousandth, to the last bit.
+    for (const auto& [rads, seconds] :
+         {std::pair{0.5, 52.403}, {1.0, 44.806}, {-0.123456789, 24.791}, {1.5, 37.209}}) {
+        ExpectSteps(p.Get(), {{L"=LatitudeRads", {rads}, ""}, {L"LatitudeDMS", dms.arguments, ""}});
+        EXPECT_EQ(seconds, V_R8(dms.values[2].get()));
     }
 }
 
-TEST_F(PositionTest, Zones) {
-    ExpectSteps(PositionAt(52, 9, 1).Get(), {
-                                                {L"Zone", {}, "BSTR '32U'"},
-                                                {L"=Zone", {L"31U"}, ""},
-                                                {L"Zone", {}, "BSTR '31U'"},
-                                                {L"=Zone", {33}, ""},
-                                                {L"Zone", {}, "BSTR '33U'"},
-                                                {L"=Zone", {3.0}, ""},
-                                                {L"Zone", {}, kOutside},
-                                                {L"=Zone", {31.0}, ""},
-                                                {L"Zone", {}, "BSTR '31U'"},
-                                                {L"=Zone", {61}, kBadZone},
-                                                {L"=Zone", {L"0"}, kBadZone},
-                                                {L"=Zone", {L"U"}, kBadZone},
-                                                {L"=Zone", {Var::Of(VT_NULL)}, kBadZone},
-                                                {L"=Grid", {29}, ""},
-                                                {L"=Zone", {3}, ""},
-                                                {L"Zone", {}, "BSTR '3'"},
-                                                {L"=Zone", {11}, kBadZone},
-                                                {L"=Grid", {3}, ""},
-                                                {L"=Zone", {3}, ""},
-                                                {L"=Zone", {L"nonsense"}, ""},
-                                                {L"Zone", {}, "BSTR ''"},
-                                                {L"=Grid", {31}, ""},
-                                                {L"=Zone", {100}, kBadZone},
-                                                {L"=Grid", {53}, Refusal("Unknown grid!")},
-                                                {L"=Grid", {-1}, Refusal("Unknown grid!")},
-                                                {L"Grid", {}, "I2 31"},
-                                            });
-    ExpectSteps(PositionAt(0, 3, 1).Get(), {{L"Zone", {}, "BSTR '31N'"}});
-    ExpectSteps(PositionAt(41, -82, 30).Get(),
-                {{L"Easting", {}, Refusal("Zone must be specified for this grid")},
-                 {L"=Zone", {L"3401"}, ""},
-                 {L"Zone", {}, "BSTR '3401'"}});
-    ExpectSteps(NewPosition().Get(),
-                {{L"=Grid", {52}, Refusal("Set Position.CustomGrid instead!")},
-                 {L"=Datum", {28}, Refusal("Set Position.CustomDatum instead!")},
-                 {L"=Datum", {0}, Refusal("Unknown datum!")},
-                 {L"=Datum", {29}, Refusal("Unknown datum!")},
-                 {L"ModifiedCount", {}, "I4 0"}});
+TEST_F(PositionTest, DmsIntoTypedVariables) {
+    const ComPtr<IDispatch> p = PositionAt(-10.51, -18.05);
+    LONG degrees = 0;
+    BSTR minutes = nullptr;
+    float seconds = 0;
+    BSTR hemisphere = SysAllocString(L"what was in it before is freed");
+    ExpectSteps(p.Get(), {{L"LatitudeDMS",
+                           {RefTo(VT_I4, degrees), RefTo(VT_BSTR, minutes), RefTo(VT_R4, seconds),
+                            RefTo(VT_BSTR, hemisphere)},
+                           ""}});
+    EXPECT_EQ(10, degrees);
+    EXPECT_STREQ(L"30", minutes);
+    EXPECT_EQ(36.0F, seconds);
+    EXPECT_STREQ(L"S", hemisphere);
+    SysFreeString(minutes);
+    SysFreeString(hemisphere);
 }
 
-TEST_F(PositionTest, SidesFollowEachOther) {
-    ExpectSteps(NewPosition().Get(), {
-                                         {L"=Easting", {500000}, ""},
-                                         {L"Latitude", {}, kNoGrid},
-                                         {L"LongitudeString", {0}, kNoGrid},
-                                         {L"Easting", {}, "R8 500000"},
-                                         {L"Latitude", {}, kNoGrid},
-                                         {L"=Latitude", {0}, ""},
-                                         {L"Latitude", {}, "R8 0"},
-                                         {L"Easting", {}, kNoGrid},
-                                         {L"=Longitude", {9}, ""},
-                                         {L"=Grid", {1}, ""},
-                                         {L"Easting", {}, "R8 500000"},
-                                         {L"=Easting", {400000}, ""},
-                                         {L"Zone", {}, "BSTR '32N'"},
-                                         {L"=Easting", {1e300}, ""},
-                                         {L"Latitude", {}, kOutside},
-                                         {L"Latitude", {}, kOutside},
-                                     });
+TEST_F(PositionTest, DmsNeedsSomethingToWriteTo) {
+    const ComPtr<IDispatch> p = NewPosition();
+    const DmsVariables good;
+    LONG number = 7;  // "N" is none
+    for (unsigned place = 0; place < 4; ++place) {
+        Vars bad = {5, Var(), Var::Missing(), Var::Of(VT_BYREF | VT_VARIANT),
+                    Var::Of(VT_BYREF | VT_R8)};
+        if (place == 3) bad.push_back(RefTo(VT_I4, number));
+        for (const Var& variable : bad) {
+            Vars arguments = good.arguments;
+            arguments[place] = variable;
+            const CallResult call = Call(p.Get(), L"LatitudeDMS", arguments);
+            EXPECT_EQ(DISP_E_TYPEMISMATCH, call.status) << place << " " << Describe(variable);
+            EXPECT_EQ(3 - place, call.argumentError);
+        }
+    }
+    EXPECT_EQ(7, number);
+    EXPECT_EQ(DISP_E_BADPARAMCOUNT,
+              Call(p.Get(), L"LatitudeDMS", {good.arguments[0], good.arguments[1]}).status);
 }
 
-// Untouched, a position's datum is only renamed.
-TEST_F(PositionTest, FirstUseTouches) {
-    ExpectSteps(NewPosition().Get(), {{L"ModifiedCount", {}, "I4 0"},
-                                      {L"=Datum", {5}, ""},
-                                      {L"Latitude", {}, "R8 0"},
-                                      {L"Altitude", {1}, "R8 0"},
-                                      {L"=Datum", {5}, ""},
-                                      {L"ModifiedCount", {}, "I4 1"}});
-    const ComPtr<IDispatch> read = NewPosition();
-    Get(read.Get(), L"Latitude");
-    Put(read.Get(), L"Datum", 5);
-    EXPECT_LT(0.0001, std::fabs(Number(read.Get(), L"Latitude")));
+TEST_F(PositionTest, CompiledClientsPassingNull) {
+    ComPtr<IPosition> p;
+    ASSERT_EQ(S_OK, NewPosition().As(&p));
+    VARIANT v;
+    VariantInit(&v);
+    for (const auto member : {&IPosition::LatitudeDMS, &IPosition::LongitudeDMS}) {
+        EXPECT_EQ(E_POINTER, (p.Get()->*member)(nullptr, &v, &v, &v));
+        EXPECT_EQ(E_POINTER, (p.Get()->*member)(&v, nullptr, &v, &v));
+        EXPECT_EQ(E_POINTER, (p.Get()->*member)(&v, &v, nullptr, &v));
+        EXPECT_EQ(E_POINTER, (p.Get()->*member)(&v, &v, &v, nullptr));
+    }
+    EXPECT_EQ(VT_EMPTY, V_VT(&v));
+    EXPECT_EQ(E_POINTER, p->get_Latitude(nullptr));
+    EXPECT_EQ(E_POINTER, p->get_ModifiedCount(nullptr));
+    EXPECT_EQ(E_POINTER, p->Copy(nullptr));
+    EXPECT_EQ(E_POINTER, p->Altitude(v, nullptr));
+    EXPECT_EQ(E_POINTER, p->IsSameGrid(v, nullptr));
+    EXPECT_EQ(E_POINTER, p->Distance(v, v, nullptr));
 }
 
-TEST_F(PositionTest, SameDatumAndGrid) {
-    const ComPtr<IDispatch> other = PositionAt(52, 9, 1);
-    const ComPtr<IDispatch> p = PositionAt(52, 2);
-    const Var object = other.Get();
-    const Var none = static_cast<IDispatch*>(nullptr);
-    ExpectSteps(p.Get(), {
-                             {L"IsSameDatum", {object}, "BOOL 1"},
-                             {L"IsSameGrid", {object}, "BOOL 0"},
-                             {L"IsSameGrid", {p.Get()}, "BOOL 0"},
-                             {L"IsSameDatum", {none}, "BOOL 0"},
-                             {L"IsSameGrid", {none}, "BOOL 0"},
-                             {L"MakeSameGrid", {none}, ""},
-                             {L"MakeSameDatum", {none}, ""},
-                             {L"ModifiedCount", {}, "I4 2"},
-                             {L"MakeSameGrid", {object}, ""},
-                             {L"Zone", {}, "BSTR '32U'"},
-                             {L"IsSameGrid", {object}, "BOOL 1"},
-                             {L"Grid", {}, "I2 1"},
-                         });
-    Put(other.Get(), L"Datum", 3);
-    ExpectSteps(p.Get(), {{L"IsSameDatum", {object}, "BOOL 0"},
-                          {L"MakeSameDatum", {object}, ""},
-                          {L"Datum", {}, "I2 3"},
-                          {L"IsSameDatum", {object}, "BOOL 1"}});
-}
+// Claims to be a position, but is none of ours: it is refused, not cast.
+class FakePosition final : public IDispatch {
+  public:
+    STDMETHODIMP QueryInterface(REFIID id, void** object) override {
+        const bool isOffered = id == IID_IUnknown || id == IID_IDispatch || id == IID_IPosition;
+        *object = isOffered ? this : nullptr;
+        return isOffered ? S_OK : E_NOINTERFACE;
+    }
+    STDMETHODIMP_(ULONG) AddRef() override { return 2; }
+    STDMETHODIMP_(ULONG) Release() override { return 1; }
+    STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
+    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
+        return E_NOTIMPL;
+    }
+    STDMETHODIMP Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
+                        UINT*) override {
+        return E_NOTIMPL;
+    }
+};
 
-TEST_F(PositionTest, CopyIsIndependent) {
-    const ComPtr<IDispatch> p = PositionAt(52, 9, 1);
-    Call(p.Get(), L"SetAltitude", {0, 12.5});
-    const CallResult call = Call(p.Get(), L"Copy");
-    ASSERT_EQ("DISPATCH object", Outcome(call));
-    Put(p.Get(), L"Latitude", 1);
-    ExpectSteps(call.value.object(), {{L"ModifiedCount", {}, "I4 0"},
-                                      {L"Latitude", {}, "R8 52"},
-                                      {L"Altitude", {0}, "R8 12.5"},
-                                      {L"Zone", {}, "BSTR '32U'"},
-                                      {L"=Latitude", {2}, ""}});
-    ExpectSteps(p.Get(), {{L"Latitude", {}, "R8 1"}, {L"ModifiedCount", {}, "I4 5"}});
-}
-
-TEST_F(PositionTest, DistancesAndBearings) {
+TEST_F(PositionTest, WrongObjectsAreRefused) {
+    const ComPtr<IDispatch> p = NewPosition();
+    const ComPtr<IDispatch> grid = CreateByName(L"KavrelCE.CustomGrid");
+    const ComPtr<IDispatch> datum = CreateByName(L"KavrelCE.CustomDatum");
+    FakePosition fake;
+    const Vars wrong = {&fake, 5, L"text", true, 1.5, Var(), Var::Missing(), CreateParser().Get()};
     struct Case {
-        double from[2];
-        double to[2];
-        double radians;
-        double bearing;
+        const wchar_t* member;
+        Vars more;
+        IDispatch* wrong[2];
+        const char* null;
     };
-    // By hand, from spherical trigonometry.
+    const char* const nullPosition = "80042713 Position may not be null. (Position Class)";
     const Case cases[] = {
-        {{0, 0}, {0, 90}, kPi / 2, 90},   {{0, 0}, {0, -90}, kPi / 2, 270},
-        {{10, 5}, {20, 5}, kPi / 18, 0},  {{20, 5}, {10, 5}, kPi / 18, 180},
-        {{90, 0}, {0, 30}, kPi / 2, 180}, {{-90, 0}, {0, 30}, kPi / 2, 0},
-        {{48, 11}, {48, 11}, 0, 0},       {{0, 179}, {0, -179}, kPi / 90, 90},
-        {{60, 0}, {60, 180}, kPi / 3, 0},
+        {L"Distance", {1}, {grid.Get(), datum.Get()}, nullPosition},
+        {L"Bearing", {1}, {grid.Get(), datum.Get()}, nullPosition},
+        {L"IsSameDatum", {}, {grid.Get(), datum.Get()}, "BOOL 0"},
+        {L"IsSameGrid", {}, {grid.Get(), datum.Get()}, "BOOL 0"},
+        {L"MakeSameDatum", {}, {grid.Get(), datum.Get()}, ""},
+        {L"MakeSameGrid", {}, {grid.Get(), datum.Get()}, ""},
+        {L"&CustomDatum",
+         {},
+         {grid.Get(), p.Get()},
+         "80042713 CustomDatum may not be null. (Position Class)"},
+        {L"&CustomGrid",
+         {},
+         {datum.Get(), p.Get()},
+         "80042713 CustomGrid may not be null. (Position Class)"},
     };
     for (const Case& test : cases) {
-        SCOPED_TRACE(std::to_string(test.from[0]) + " to " + std::to_string(test.to[0]));
-        const ComPtr<IDispatch> p = PositionAt(test.from[0], test.from[1]);
-        const ComPtr<IDispatch> other = PositionAt(test.to[0], test.to[1]);
-        EXPECT_NEAR(test.radians, Number(p.Get(), L"Distance", {other.Get(), 2}), 1e-12);
-        EXPECT_NEAR(test.radians * kSphereRadiusMetres,
-                    Number(p.Get(), L"Distance", {other.Get(), L"1"}), 1e-5);
-        // The direction of north may come out just below 360.
-        const double bearing = Number(p.Get(), L"Bearing", {other.Get(), 1});
-        EXPECT_NEAR(0.0, std::remainder(bearing - test.bearing, 360.0), 1e-5);
-        EXPECT_EQ(bearing, Number(p.Get(), L"Bearing", {other.Get(), 2}));
+        const auto expect = [&](const Var& object, const char* outcome) {
+            Vars arguments = {object};
+            arguments.insert(arguments.end(), test.more.begin(), test.more.end());
+            ExpectSteps(p.Get(), {{test.member, arguments, outcome}});
+        };
+        for (const Var& object : wrong)
+            expect(object, kNoObject);
+        for (IDispatch* const object : test.wrong)
+            expect(object, kNoObject);
+        expect(static_cast<IDispatch*>(nullptr), test.null);
+        expect(Var::Of(VT_NULL), test.null);
     }
+    ExpectSteps(p.Get(), {{L"ModifiedCount", {}, "I4 0"}});
 }
 
-TEST_F(PositionTest, DistancesInTheGrid) {
-    const ComPtr<IDispatch> p = PositionAt(52, -1, 3);
-    const ComPtr<IDispatch> other = PositionAt(52.1, -1, 1);
-    const ComPtr<IDispatch> same = PositionAt(52.1, -1, 3);
-    const Var object = other.Get();
-    const double metres = Number(p.Get(), L"Distance", {object, 3});
-    EXPECT_EQ(metres, Number(p.Get(), L"Distance", {same.Get(), 3}));
-    EXPECT_NEAR(11121.8, metres, 10.0);  // a tenth of a degree of latitude, about 111.26 km
-    const double east = Number(same.Get(), L"Easting") - Number(p.Get(), L"Easting");
-    const double north = Number(same.Get(), L"Northing") - Number(p.Get(), L"Northing");
-    EXPECT_NEAR(std::atan2(east, north) * 180 / kPi + 360, Number(p.Get(), L"Bearing", {object, 3}),
-                1e-9);
-    ExpectSteps(other.Get(), {{L"Grid", {}, "I2 1"}, {L"ModifiedCount", {}, "I4 3"}});
+TEST_F(PositionTest, ArgumentsMayBeGivenByReference) {
+    const ComPtr<IDispatch> p = PositionAt(0, 0);
+    const ComPtr<IDispatch> other = PositionAt(1, 0);
+    IDispatch* pointer = other.Get();
+    IUnknown* unknown = other.Get();
+    Var variable = other.Get();
+    Var byUnknown = Var::Of(VT_UNKNOWN);
+    V_UNKNOWN(byUnknown.get()) = unknown;
+    unknown->AddRef();
+    for (const Var& form :
+         {Var::To(variable), RefTo(VT_DISPATCH, pointer), RefTo(VT_UNKNOWN, unknown), byUnknown}) {
+        ExpectSteps(p.Get(), {{L"Distance", {form, 2}, "R8 0.0174533"}});
+    }
+
+    BSTR text = SysAllocString(L"31U");
+    Var textVariable = L"31U";
+    short number = 31;
+    for (const Var& form : {RefTo(VT_BSTR, text), Var::To(textVariable), RefTo(VT_I2, number)}) {
+        ExpectSteps(p.Get(), {{L"=Grid", {1}, ""},
+                              {L"=Zone", {32}, ""},
+                              {L"=Zone", {form}, ""},
+                              {L"Zone", {}, "BSTR '31N'"}});
+    }
+    SysFreeString(text);
 }
 
-TEST_F(PositionTest, DistancesAcrossDatums) {
-    const ComPtr<IDispatch> p = PositionAt(52, 0);
-    const ComPtr<IDispatch> british = NewPosition();
-    Put(british.Get(), L"Datum", 3);
-    Put(british.Get(), L"Latitude", 52);
-    const ComPtr<IDispatch> shifted = Call(british.Get(), L"Copy").value.object();
-    Put(shifted.Get(), L"Datum", 1);
-    const double metres = Number(p.Get(), L"Distance", {british.Get(), 1});
-    EXPECT_EQ(Number(p.Get(), L"Distance", {shifted.Get(), 1}), metres);
-    EXPECT_LT(50.0, metres);
-    // The bearing takes the coordinates as they are: the same as this position's.
-    EXPECT_NE(Number(p.Get(), L"Bearing", {shifted.Get(), 1}),
-              Number(p.Get(), L"Bearing", {british.Get(), 1}));
-    ExpectSteps(british.Get(), {{L"Datum", {}, "I2 3"}, {L"Latitude", {}, "R8 52"}});
-}
-
-TEST_F(PositionTest, RelationsRefuse) {
-    const ComPtr<IDispatch> p = PositionAt(52, 9);
-    const ComPtr<IDispatch> other = PositionAt(53, 9);
-    const Var object = other.Get();
-    const Var none = static_cast<IDispatch*>(nullptr);
-    const std::string distanceMethod = Refusal("Unknown method to calculate distance.");
-    const std::string bearingMethod = Refusal("Unknown method to calculate bearing.");
-    ExpectSteps(p.Get(), {
-                             {L"Distance", {object, 4}, distanceMethod},
-                             {L"Distance", {object}, distanceMethod},
-                             {L"Bearing", {object, 0}, bearingMethod},
-                             {L"Distance", {none, 1}, kNoPosition},
-                             {L"Distance", {Var::Of(VT_NULL), 4}, kNoPosition},
-                             {L"Bearing", {none, 9}, kNoPosition},
-                             {L"Distance", {object, 3}, kNoGrid},
-                             {L"Bearing", {object, 3}, kNoGrid},
-                             {L"Move", {1, 1, 4}, Refusal("Unknown method.")},
-                             {L"Move", {1, 1, 3}, kNoGrid},
-                             {L"Move", {}, Refusal("Unknown method.")},
-                             {L"Latitude", {}, "R8 52"},
-                             {L"ModifiedCount", {}, "I4 5"},
-                         });
-    // A failing member has written its result, which is 0.
-    ComPtr<IPosition> dual;
-    ASSERT_EQ(S_OK, p.As(&dual));
-    Var result = 5;
+// A failing member has written its result, which is 0.
+TEST_F(PositionTest, AFailingMemberHasWrittenItsResult) {
+    ComPtr<IPosition> p;
+    ASSERT_EQ(S_OK, NewPosition().As(&p));
+    Var result = L"something to be freed";
     EXPECT_EQ(static_cast<HRESULT>(0x80042713),
-              dual->Distance(*object.get(), *Var(4).get(), result.get()));
+              p->Distance(*Var(p.Get()).get(), *Var(4).get(), result.get()));
     EXPECT_EQ("R8 0", Describe(result));
-    const std::optional<ErrorReport> error = TakeErrorObject();
-    ASSERT_TRUE(error.has_value());
-    EXPECT_TRUE(error->interfaceId == IID_IPosition);
+    EXPECT_TRUE(TakeErrorObject().value().interfaceId == IID_IPosition);
 }
 
-TEST_F(PositionTest, Moves) {
-    const ComPtr<IDispatch> p = PositionAt(0, 0, 1);
-    EXPECT_EQ("", Outcome(Call(p.Get(), L"Move", {1000, 90, 1})));
-    EXPECT_NEAR(1000 / kSphereRadiusMetres, Number(p.Get(), L"LongitudeRads"), 1e-18);
-    EXPECT_EQ("I4 6", Outcome(Get(p.Get(), L"ModifiedCount")));
-    EXPECT_EQ("", Outcome(Call(p.Get(), L"Move", {kPi / 2, 0, 2})));
-    EXPECT_NEAR(90, Number(p.Get(), L"Latitude"), 1e-6);
+ComPtr<IObjectSafety> SafetyOf(const ComPtr<IDispatch>& object) {
+    ComPtr<IObjectSafety> safety;
+    object->QueryInterface(IID_IObjectSafety, reinterpret_cast<void**>(safety.GetAddressOf()));
+    return safety;
+}
 
-    const ComPtr<IDispatch> q = PositionAt(52, 9, 1);
-    const double easting = Number(q.Get(), L"Easting");
-    EXPECT_EQ("", Outcome(Call(q.Get(), L"Move", {100, 90, 3})));
-    EXPECT_NEAR(easting + 100, Number(q.Get(), L"Easting"), 1e-6);
-    EXPECT_EQ("I4 6", Outcome(Get(q.Get(), L"ModifiedCount")));
-    EXPECT_NEAR(9.001456, Number(q.Get(), L"Longitude"), 1e-5);  // 100 m at 52 degrees north
+TEST_F(PositionTest, ObjectSafety) {
+    constexpr DWORD kBoth = INTERFACESAFE_FOR_UNTRUSTED_CALLER | INTERFACESAFE_FOR_UNTRUSTED_DATA;
+    const ComPtr<IDispatch> p = NewPosition();
+    const ComPtr<IObjectSafety> safety = SafetyOf(p);
+    ASSERT_TRUE(safety);
+    DWORD supported = 0;
+    DWORD enabled = 0;
+    for (const IID& id : {IID_IDispatch, IID_IPosition}) {
+        EXPECT_EQ(S_OK, safety->GetInterfaceSafetyOptions(id, &supported, &enabled));
+        EXPECT_EQ(kBoth, supported);
+        EXPECT_EQ(kBoth, enabled);
+        for (const DWORD mask : {DWORD{0}, DWORD{INTERFACESAFE_FOR_UNTRUSTED_DATA}, kBoth})
+            EXPECT_EQ(S_OK, safety->SetInterfaceSafetyOptions(id, mask, mask));
+        for (const DWORD mask : {DWORD{INTERFACE_USES_DISPEX}, kBoth | 8})
+            EXPECT_EQ(E_FAIL, safety->SetInterfaceSafetyOptions(id, mask, mask));
+    }
+    EXPECT_EQ(E_NOINTERFACE,
+              safety->GetInterfaceSafetyOptions(IID_INmeaParser, &supported, &enabled));
+    EXPECT_EQ(0U, supported | enabled);
+    EXPECT_EQ(E_NOINTERFACE, safety->SetInterfaceSafetyOptions(IID_IPersist, kBoth, kBoth));
+    EXPECT_EQ(E_POINTER, safety->GetInterfaceSafetyOptions(IID_IDispatch, nullptr, &enabled));
+    EXPECT_EQ(E_POINTER, safety->GetInterfaceSafetyOptions(IID_IDispatch, &supported, nullptr));
+
+    ComPtr<IUnknown> identity;
+    ComPtr<IUnknown> other;
+    EXPECT_EQ(S_OK, safety.As(&identity));
+    EXPECT_EQ(S_OK, p.As(&other));
+    EXPECT_EQ(other.Get(), identity.Get());
+    EXPECT_FALSE(SafetyOf(CreateParser()));
+    EXPECT_FALSE(SafetyOf(CreateByName(L"KavrelCE.CustomGrid")));
 }
 
 }  // namespace
