@@ -4,7 +4,6 @@
 
 #include "KavrelCE_h.h"
 #include "automation/support/late_call.h"
-#include "automation/support/library.h"
 
 using Microsoft::WRL::ComPtr;
 
@@ -22,25 +21,9 @@ std::vector<std::wstring> EventRecorder::texts() const {
     return texts;
 }
 
-STDMETHODIMP EventRecorder::QueryInterface(REFIID id, void** object) {
-    *object = nullptr;
-    const bool isOffered = id == IID_IUnknown || (offersDispatch_ && id == IID_IDispatch) ||
-                           (offersEvents_ && id == DIID__INmeaParserEvents);
-    if (!isOffered) return E_NOINTERFACE;
-    *object = static_cast<IDispatch*>(this);
-    AddRef();
-    return S_OK;
-}
-
-STDMETHODIMP_(ULONG) EventRecorder::Release() {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-}
-
-STDMETHODIMP EventRecorder::GetTypeInfoCount(UINT* count) {
-    *count = 0;
-    return S_OK;
+bool EventRecorder::Offers(REFIID id) const {
+    return (offersDispatch_ && id == IID_IDispatch) ||
+           (offersEvents_ && id == DIID__INmeaParserEvents);
 }
 
 STDMETHODIMP EventRecorder::Invoke(DISPID id, REFIID, LCID, WORD kinds, DISPPARAMS* parameters,
@@ -90,8 +73,23 @@ void Listener::Disconnect() {
     point_.Reset();
 }
 
+void ParserTest::SetUp() {
+    AutomationTest::SetUp();
+    parser_ = CreateParser();
+    ASSERT_TRUE(parser_);
+}
+
+void ParserTest::TearDown() {
+    parser_.Reset();
+    AutomationTest::TearDown();
+}
+
+void ParserTest::Parse(const std::wstring& text) {
+    EXPECT_EQ(S_OK, Call(parser_.Get(), L"Parse", {text}).status);
+}
+
 ComPtr<IDispatch> MakeSentence(const std::wstring& text) {
-    const ComPtr<IDispatch> parser = CreateParser();
+    const ComPtr<IDispatch> parser = CreateDirectly(CLSID_NmeaParser);
     if (!parser) return nullptr;
     const Listener listener(parser.Get());
     Call(parser.Get(), L"Parse", {text + L"\r\n"});

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "automation/support/library.h"
+#include "automation/support/plain_dispatch.h"
 #include "automation/support/var.h"
 
 namespace kavrel::tests {
@@ -32,7 +34,7 @@ struct RecordedEvent {
     std::wstring text;  // of Generic: the sentence's text at the time of the event
 };
 
-class EventRecorder final : public IDispatch {
+class EventRecorder final : public PlainDispatch {
   public:
     static Microsoft::WRL::ComPtr<EventRecorder> Make();
 
@@ -51,28 +53,17 @@ class EventRecorder final : public IDispatch {
         offersEvents_ = eventInterface;
         offersDispatch_ = dispatch;
     }
-    ULONG references() const { return references_; }
 
-    STDMETHODIMP QueryInterface(REFIID id, void** object) override;
-    STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
-    STDMETHODIMP_(ULONG) Release() override;
-    STDMETHODIMP GetTypeInfoCount(UINT* count) override;
-    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
-        return E_NOTIMPL;
-    }
     STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD kinds, DISPPARAMS* parameters,
                         VARIANT* result, EXCEPINFO*, UINT*) override;
 
   private:
-    EventRecorder() = default;
-    ~EventRecorder() = default;
+    bool Offers(REFIID id) const override;
 
     std::vector<RecordedEvent> events_;
     Reaction reaction_;
     bool offersEvents_ = true;
     bool offersDispatch_ = true;
-    ULONG references_ = 0;  // the first is that of Make
 };
 
 // The connection point of a parser's events; null when it has none.
@@ -95,6 +86,16 @@ class Listener {
     Microsoft::WRL::ComPtr<EventRecorder> recorder_;
     Microsoft::WRL::ComPtr<IConnectionPoint> point_;
     DWORD cookie_ = 0;
+};
+
+// Fixture: a parser to feed.
+class ParserTest : public AutomationTest {
+  protected:
+    void SetUp() override;
+    void TearDown() override;
+    void Parse(const std::wstring& text);
+
+    Microsoft::WRL::ComPtr<IDispatch> parser_;
 };
 
 // A sentence object, as a client gets one: with the event of a parsed text. `text` stands without

@@ -5,7 +5,6 @@
 #include <wrl/client.h>
 
 #include <algorithm>
-#include <ostream>
 #include <utility>
 
 using Microsoft::WRL::ComPtr;
@@ -21,48 +20,30 @@ std::optional<std::wstring> Take(BSTR text) {
     return taken;
 }
 
-// The arguments as IDispatch wants them: reversed, the named ones first.
-class ReversedArguments {
-  public:
-    explicit ReversedArguments(const Arguments& arguments)
-        : names_(arguments.names.rbegin(), arguments.names.rend()) {
-        for (auto at = arguments.values.rbegin(); at != arguments.values.rend(); ++at) {
-            variants_.push_back(*at->get());
-        }
-        parameters_ = {variants_.data(), names_.data(), static_cast<UINT>(variants_.size()),
-                       static_cast<UINT>(names_.size())};
-    }
-    DISPPARAMS* get() { return &parameters_; }
-
-  private:
-    std::vector<VARIANT> variants_;
-    std::vector<DISPID> names_;
-    DISPPARAMS parameters_;
-};
-
-// Runs `invoke` with everything that an Invoke writes to, and collects that.
+// A late-bound call by `invoke`, with everything that it reads and writes.
 template <typename Invoke>
-CallResult Collect(Invoke&& invoke) {
+CallResult CallBy(const Invoke& invoke, WORD kinds, const Arguments& arguments) {
+    // Arguments stand reversed, the named ones first.
+    std::vector<VARIANT> variants;
+    for (auto at = arguments.values.rbegin(); at != arguments.values.rend(); ++at)
+        variants.push_back(*at->get());
+    std::vector<DISPID> names(arguments.names.rbegin(), arguments.names.rend());
+    DISPPARAMS parameters = {variants.data(), names.data(), static_cast<UINT>(variants.size()),
+                             static_cast<UINT>(names.size())};
+    const bool isPut = (kinds & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0;
     CallResult call;
     EXCEPINFO exception = {};
-    call.status = invoke(call.value.Receive(), &exception, &call.argumentError);
+    call.status =
+        invoke(&parameters, isPut ? nullptr : call.value.get(), &exception, &call.argumentError);
     call.failure = call.status;
     if (call.status != DISP_E_EXCEPTION) return call;
 
     call.failure = exception.scode;
-    ErrorReport report;
+    ErrorReport& report = call.error.emplace();
     report.source = Take(exception.bstrSource);
     report.description = Take(exception.bstrDescription).value_or(L"");
     Take(exception.bstrHelpFile);
-    call.error = std::move(report);
     return call;
-}
-
-bool IsIn(const std::string& parameter) {
-    return parameter.starts_with("[in");
-}
-bool IsResult(const std::string& parameter) {
-    return parameter.starts_with("[out retval]");
 }
 
 }  // namespace
@@ -78,33 +59,18 @@ std::optional<ErrorReport> TakeErrorObject() {
     return report;
 }
 
-void PrintTo(const CallResult& result, std::ostream* out) {
-    *out << "status 0x" << std::hex << static_cast<DWORD>(result.status) << " failure 0x"
-         << static_cast<DWORD>(result.failure) << std::dec << " value " << Describe(result.value);
-    if (result.error.has_value()) {
-        *out << " error '" << Narrow(result.error->description) << "' source "
-             << (result.error->source.has_value() ? Narrow(*result.error->source) : "none");
-    }
-}
-
 CallResult InvokeById(IDispatch* object, DISPID id, WORD kinds, const Arguments& arguments) {
-    ReversedArguments reversed(arguments);
-    return Collect([&](VARIANT* value, EXCEPINFO* exception, UINT* argumentError) {
-        const bool isPut = (kinds & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0;
-        return object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kinds, reversed.get(),
-                              isPut ? nullptr : value, exception, argumentError);
-    });
+    const auto invoke = [&](auto... rest) {
+        return object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kinds, rest...);
+    };
+    return CallBy(invoke, kinds, arguments);
 }
 
 CallResult InvokeByTypeInfo(IDispatch* object, DISPID id, WORD kinds, const Arguments& arguments) {
     ComPtr<ITypeInfo> type;
     object->GetTypeInfo(0, LOCALE_USER_DEFAULT, &type);
-    ReversedArguments reversed(arguments);
-    return Collect([&](VARIANT* value, EXCEPINFO* exception, UINT* argumentError) {
-        const bool isPut = (kinds & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0;
-        return type->Invoke(object, id, kinds, reversed.get(), isPut ? nullptr : value, exception,
-                            argumentError);
-    });
+    const auto invoke = [&](auto... rest) { return type->Invoke(object, id, kinds, rest...); };
+    return CallBy(invoke, kinds, arguments);
 }
 
 CallResult CallVtable(IDispatch* object, REFIID interfaceId, const MemberDescription& member,
@@ -116,17 +82,13 @@ CallResult CallVtable(IDispatch* object, REFIID interfaceId, const MemberDescrip
     if (FAILED(call.failure)) return call;
 
     Vars passed = arguments;
-    while (passed.size() < member.parameters.size())
-        passed.push_back(Var::Missing());
+    passed.resize(member.parameters.size(), Var::Missing());
     std::vector<VARTYPE> types;
     std::vector<VARIANT*> pointers;
-    for (size_t i = 0; i < member.parameters.size(); ++i) {
-        if (IsResult(member.parameters[i])) {
-            passed[i] = Var();
-            V_VT(passed[i].get()) = VT_BYREF | VT_VARIANT;
-            V_VARIANTREF(passed[i].get()) = call.value.Receive();
-        }
-        types.push_back(IsIn(member.parameters[i]) ? VT_VARIANT : VT_BYREF | VT_VARIANT);
+    for (size_t i = 0; i < passed.size(); ++i) {
+        if (member.parameters[i].starts_with("[out retval]")) passed[i] = Var::To(call.value);
+        const bool isIn = member.parameters[i].starts_with("[in");
+        types.push_back(isIn ? VT_VARIANT : VT_BYREF | VT_VARIANT);
         pointers.push_back(passed[i].get());
     }
     VARIANT returned;
@@ -160,17 +122,11 @@ CallResult Put(IDispatch* object, const wchar_t* name, const Var& value) {
 }
 
 const TypeDescription& InterfaceNamed(const std::string& name) {
-    static const LibraryDescription library = [] {
-        const std::string path = KAVREL_DLL;
-        ComPtr<ITypeLib> loaded;
-        LoadTypeLibEx(std::wstring(path.begin(), path.end()).c_str(), REGKIND_NONE, &loaded);
-        return loaded ? DescribeTypeLibrary(loaded.Get()) : LibraryDescription();
-    }();
-    const auto found = std::find_if(library.types.begin(), library.types.end(),
-                                    [&name](const auto& type) { return type.name == name; });
+    const std::vector<TypeDescription>& types = DescribeTypeLibrary();
+    const auto found = std::ranges::find(types, name, &TypeDescription::name);
     static const TypeDescription kNone;
-    if (found == library.types.end()) ADD_FAILURE() << "no interface " << name;
-    return found == library.types.end() ? kNone : *found;
+    EXPECT_NE(types.end(), found) << "no interface " << name;
+    return found != types.end() ? *found : kNone;
 }
 
 }  // namespace kavrel::tests

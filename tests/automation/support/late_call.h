@@ -4,7 +4,6 @@
 
 #include <oaidl.h>
 
-#include <iosfwd>
 #include <optional>
 #include <string>
 #include <vector>
@@ -31,9 +30,6 @@ struct CallResult {
     Var value;
     UINT argumentError = 0xFFFF;  // 0xFFFF: not told
 };
-
-// Prints it when an expectation fails.
-void PrintTo(const CallResult& result, std::ostream* out);
 
 // Arguments of a late-bound call, in their order. With `names`, the last arguments are named ones.
 struct Arguments {

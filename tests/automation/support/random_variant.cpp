@@ -20,65 +20,43 @@ const wchar_t* const kTexts[] = {
     L"\r\n",
     L"$GPGGA,120410.00,4730.0000,N,00843.0000,E,1,08,1.1,432.5,M,47.9,M,,\r\n",
     L"$GPRMC,120411,A,4730,N,00843,W,22.4,84.4,230394,3.1,W\r\n",
-    L"$GPGSA,A,3,02,05,,,,,,,,,,,1.9,1.1,1.6\r\n$GPGSV,1,1,02,02,61,103,44,05,23,288,38\r\n",
-};
+    L"$GPGSA,A,3,02,05,,,,,,,,,,,1.9,1.1,1.6\r\n$GPGSV,1,1,02,02,61,103,44,05,23,288,38\r\n"};
 
+// The last ones before VT_ARRAY no host makes.
 const VARTYPE kTypes[] = {VT_EMPTY, VT_NULL, VT_I1,       VT_UI1,     VT_I2,      VT_UI2,
                           VT_I4,    VT_UI4,  VT_I8,       VT_UI8,     VT_INT,     VT_UINT,
                           VT_R4,    VT_R8,   VT_CY,       VT_DATE,    VT_BOOL,    VT_ERROR,
-                          VT_BSTR,  VT_BSTR, VT_DISPATCH, VT_UNKNOWN, VT_DECIMAL, VT_ARRAY};
+                          VT_BSTR,  VT_BSTR, VT_DISPATCH, VT_UNKNOWN, VT_DECIMAL, VT_HRESULT,
+                          VT_BLOB,  VT_PTR,  0x0FFF,      VT_ARRAY};
 
 const VARTYPE kElementTypes[] = {VT_UI1, VT_UI1, VT_VARIANT, VT_VARIANT, VT_I2,
                                  VT_I4,  VT_R8,  VT_BSTR,    VT_DISPATCH};
 
-// Where the value of a variant stands.
-void* ValueOf(VARIANT& variant) {
-    if (V_VT(&variant) == VT_DECIMAL) return &V_DECIMAL(&variant);
-    return &V_I8(&variant);
-}
-
 // Makes `from` a reference to `to`, which is no reference itself or else a variant.
 void Refer(VARIANT& from, VARIANT& to, bool asVariant) {
-    VariantInit(&from);
-    V_VT(&from) = static_cast<VARTYPE>(VT_BYREF | (asVariant ? int{VT_VARIANT} : V_VT(&to)));
-    V_BYREF(&from) = asVariant ? &to : ValueOf(to);
-}
-
-bool IsReferable(const VARIANT& variant) {
-    return V_VT(&variant) != VT_EMPTY && V_VT(&variant) != VT_NULL;
+    const bool hasValue = V_VT(&to) != VT_EMPTY && V_VT(&to) != VT_NULL;
+    const bool toValue = hasValue && !asVariant;
+    V_VT(&from) = static_cast<VARTYPE>(VT_BYREF | (toValue ? V_VT(&to) : int{VT_VARIANT}));
+    V_BYREF(&from) = toValue && V_VT(&to) != VT_DECIMAL ? static_cast<void*>(&V_I8(&to)) : &to;
 }
 
 }  // namespace
 
 RandomVariant::RandomVariant(Random& random, const Objects& objects)
     : random_(random), objects_(objects) {
-    VariantInit(&outer_);
-    VariantInit(&middle_);
-    VariantInit(&inner_);
     const unsigned depth = random_.Below(8);
     if (depth < 4) {
-        Fill(outer_);
+        Fill(*outer_.get());
     } else if (depth < 7) {
-        Fill(middle_);
-        Refer(outer_, middle_, !IsReferable(middle_) || random_.OneIn(2));
+        Fill(*middle_.get());
+        Refer(*outer_.get(), *middle_.get(), random_.OneIn(2));
     } else {
         // A variable that holds a reference, handed on by reference.
-        Fill(inner_);
-        Refer(middle_, inner_, !IsReferable(inner_) || random_.OneIn(2));
-        Refer(outer_, middle_, true);
+        Fill(*inner_.get());
+        Refer(*middle_.get(), *inner_.get(), random_.OneIn(2));
+        outer_ = Var::To(middle_);
     }
-    if ((V_VT(&outer_) & VT_BYREF) != 0 && random_.OneIn(20)) V_BYREF(&outer_) = nullptr;
-}
-
-RandomVariant::~RandomVariant() {
-    VariantClear(&outer_);
-    VariantClear(&middle_);
-    VariantClear(&inner_);
-}
-
-void RandomVariant::Replace(const VARIANT& value) {
-    VariantClear(&outer_);
-    VariantCopy(&outer_, const_cast<VARIANT*>(&value));
+    if ((outer_.type() & VT_BYREF) != 0 && random_.OneIn(20)) V_BYREF(outer_.get()) = nullptr;
 }
 
 BSTR RandomVariant::MakeText() {

@@ -4,10 +4,11 @@
 #include <oaidl.h>
 #include <wrl/client.h>
 
+#include <iterator>
 #include <random>
-#include <span>
-#include <string>
 #include <vector>
+
+#include "automation/support/var.h"
 
 namespace kavrel::tests {
 
@@ -19,10 +20,8 @@ class Random {
     unsigned Below(unsigned limit) { return static_cast<unsigned>(engine_() % limit); }
     bool OneIn(unsigned count) { return Below(count) == 0; }
     unsigned long long Bits() { return engine_(); }
-
-    template <typename T, size_t Count>
-    const T& Of(const T (&choices)[Count]) {
-        return choices[Below(static_cast<unsigned>(Count))];
+    const auto& Of(const auto& choices) {
+        return choices[Below(static_cast<unsigned>(std::size(choices)))];
     }
 
   private:
@@ -37,14 +36,13 @@ class RandomVariant {
   public:
     // Objects are taken from those given.
     RandomVariant(Random& random, const Objects& objects);
-    ~RandomVariant();
     RandomVariant(const RandomVariant&) = delete;
     RandomVariant& operator=(const RandomVariant&) = delete;
 
-    VARIANT* get() { return &outer_; }
+    VARIANT* get() { return outer_.get(); }
 
-    // For members that must not be given just anything: a copy of a variant without references.
-    void Replace(const VARIANT& value);
+    // For members that must not be given just anything.
+    void Replace(const Var& value) { outer_ = value; }
 
   private:
     void Fill(VARIANT& variant);
@@ -53,9 +51,9 @@ class RandomVariant {
 
     Random& random_;
     const Objects& objects_;
-    VARIANT outer_;
-    VARIANT middle_;  // what outer_ refers to, when it is a reference
-    VARIANT inner_;   // what middle_ refers to, when it is one, too
+    Var outer_;
+    Var middle_;  // what outer_ refers to, when it is a reference
+    Var inner_;   // what middle_ refers to, when it is one, too
 };
 
 }  // namespace kavrel::tests

@@ -3,6 +3,7 @@
 
 #include <oaidl.h>
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -41,12 +42,6 @@ class Var {
     int number() const;
     IDispatch* object() const { return type() == VT_DISPATCH ? V_DISPATCH(&value_) : nullptr; }
 
-    // For functions that write a result.
-    VARIANT* Receive() {
-        VariantClear(&value_);
-        return &value_;
-    }
-
   private:
     VARIANT value_;
 };
@@ -57,6 +52,10 @@ using Vars = std::vector<Var>;
 std::string Describe(const VARIANT& value);
 inline std::string Describe(const Var& value) {
     return Describe(*value.get());
+}
+
+inline void PrintTo(const Var& value, std::ostream* out) {
+    *out << Describe(value);
 }
 
 // Wide text as UTF-8, for printing.
