@@ -24,6 +24,9 @@ target_compile_options(kavrel_product INTERFACE
   # The same digits on every processor, also on one with a fused multiply-add.
   -ffp-contract=off)
 
+# Every line stands for itself, and the counts are atomic: the tests have threads.
+set(coverage --coverage -O0 -fprofile-update=atomic)
+
 if(WIN32)
   # Size before speed, and no probe of large stack frames: the device has neither room nor probe.
   set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-g -DNDEBUG")
@@ -32,6 +35,11 @@ if(WIN32)
     -Os -ffunction-sections -fdata-sections -fno-use-cxa-atexit
     -fno-asynchronous-unwind-tables -fno-unwind-tables
     -mno-stack-arg-probe -Wframe-larger-than=2048)
+  if(KAVREL_COVERAGE)
+    # Frames are larger than they will be.
+    target_compile_options(kavrel_product INTERFACE
+      ${coverage} -mstack-arg-probe -Wno-frame-larger-than)
+  endif()
   target_compile_definitions(kavrel_product INTERFACE
     # Templates of the C++ library are instantiated in place; there is no C++ runtime library.
     _GLIBCXX_EXTERN_TEMPLATE=0)
@@ -52,8 +60,7 @@ else()
   # Sanitized (Debug) builds: quick enough to run, with usable stack traces.
   set(CMAKE_CXX_FLAGS_DEBUG "-O1 -g -fno-omit-frame-pointer -D_GLIBCXX_ASSERTIONS")
   if(KAVREL_COVERAGE)
-    # Atomic counts: the tests have threads.
-    add_compile_options(--coverage -O0 -fprofile-update=atomic)
+    add_compile_options(${coverage})
     add_link_options(--coverage)
   endif()
   if(KAVREL_SANITIZE)

@@ -18,6 +18,11 @@ add_library(kavrel_wine_test_base INTERFACE)
 target_link_libraries(kavrel_wine_test_base INTERFACE
   kavrel_warnings kavrel_gtest ole32 oleaut32 uuid)
 target_link_options(kavrel_wine_test_base INTERFACE -static)
+if(KAVREL_COVERAGE)
+  # Some programs have sources of the library of their own.
+  target_compile_options(kavrel_wine_test_base INTERFACE ${coverage})
+  target_link_options(kavrel_wine_test_base INTERFACE --coverage)
+endif()
 # Z: is the build machine's file system.
 target_compile_definitions(kavrel_wine_test_base INTERFACE
   KAVREL_TEST_DATA="Z:${CMAKE_SOURCE_DIR}/tests/data"
