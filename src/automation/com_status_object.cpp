@@ -1,6 +1,5 @@
 #include "automation/com_status_object.h"
 
-#include <new>
 #include <utility>
 
 #include "KavrelCE_h.h"
@@ -10,17 +9,17 @@ namespace kavrel {
 namespace {
 
 constexpr Member kMembers[] = {
-    Get<&IComStatus::get_ValidNmea>(L"ValidNmea", 1),
-    Get<&IComStatus::get_ValidFix>(L"ValidFix", 2),
-    Get<&IComStatus::get_ComPort>(L"ComPort", 3),
-    Get<&IComStatus::get_BaudRate>(L"BaudRate", 4),
+    Get<&IComStatus::get_ValidNmea>("ValidNmea", 1),
+    Get<&IComStatus::get_ValidFix>("ValidFix", 2),
+    Get<&IComStatus::get_ComPort>("ComPort", 3),
+    Get<&IComStatus::get_BaudRate>("BaudRate", 4),
 };
 
 constexpr ClassDescription kClass = {CLSID_ComStatus, IID_IComStatus, nullptr, kMembers};
 
 class ComStatusObject final : public AutomationObject<IComStatus, ComStatus> {
   public:
-    explicit ComStatusObject(Ref<ComStatus> record) : AutomationObject(kClass, std::move(record)) {}
+    using AutomationObject::AutomationObject;
 
     STDMETHOD(get_ValidNmea)(VARIANT* result) override {
         return GetBy<&ComStatus::ValidNmea>(result);
@@ -37,8 +36,7 @@ class ComStatusObject final : public AutomationObject<IComStatus, ComStatus> {
 }  // namespace
 
 ComRef<IDispatch> WrapComStatus(Ref<ComStatus> record) {
-    if (!record) return nullptr;
-    return ComRef<IDispatch>::Adopt(new (std::nothrow) ComStatusObject(std::move(record)));
+    return ObjectWithCore<ComStatusObject>::Make(kClass, std::move(record));
 }
 
 }  // namespace kavrel

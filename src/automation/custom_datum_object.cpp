@@ -1,6 +1,5 @@
 #include "automation/custom_datum_object.h"
 
-#include <new>
 #include <utility>
 
 #include "KavrelCE_h.h"
@@ -11,32 +10,37 @@ namespace kavrel {
 namespace {
 
 constexpr Member kMembers[] = {
-    Get<&ICustomDatum::get_SemiMajorAxis>(L"SemiMajorAxis", 1),
-    Put<&ICustomDatum::put_SemiMajorAxis>(L"SemiMajorAxis", 1),
-    Get<&ICustomDatum::get_E2>(L"E2", 2),
-    Put<&ICustomDatum::put_E2>(L"E2", 2),
-    Get<&ICustomDatum::get_DeltaX>(L"DeltaX", 3),
-    Put<&ICustomDatum::put_DeltaX>(L"DeltaX", 3),
-    Get<&ICustomDatum::get_DeltaY>(L"DeltaY", 4),
-    Put<&ICustomDatum::put_DeltaY>(L"DeltaY", 4),
-    Get<&ICustomDatum::get_DeltaZ>(L"DeltaZ", 5),
-    Put<&ICustomDatum::put_DeltaZ>(L"DeltaZ", 5),
-    Get<&ICustomDatum::get_RotX>(L"RotX", 6),
-    Put<&ICustomDatum::put_RotX>(L"RotX", 6),
-    Get<&ICustomDatum::get_RotY>(L"RotY", 7),
-    Put<&ICustomDatum::put_RotY>(L"RotY", 7),
-    Get<&ICustomDatum::get_RotZ>(L"RotZ", 8),
-    Put<&ICustomDatum::put_RotZ>(L"RotZ", 8),
-    Get<&ICustomDatum::get_ScaleFactor>(L"ScaleFactor", 9),
-    Put<&ICustomDatum::put_ScaleFactor>(L"ScaleFactor", 9),
+    Get<&ICustomDatum::get_SemiMajorAxis>("SemiMajorAxis", 1),
+    Put<&ICustomDatum::put_SemiMajorAxis>("SemiMajorAxis", 1),
+    Get<&ICustomDatum::get_E2>("E2", 2),
+    Put<&ICustomDatum::put_E2>("E2", 2),
+    Get<&ICustomDatum::get_DeltaX>("DeltaX", 3),
+    Put<&ICustomDatum::put_DeltaX>("DeltaX", 3),
+    Get<&ICustomDatum::get_DeltaY>("DeltaY", 4),
+    Put<&ICustomDatum::put_DeltaY>("DeltaY", 4),
+    Get<&ICustomDatum::get_DeltaZ>("DeltaZ", 5),
+    Put<&ICustomDatum::put_DeltaZ>("DeltaZ", 5),
+    Get<&ICustomDatum::get_RotX>("RotX", 6),
+    Put<&ICustomDatum::put_RotX>("RotX", 6),
+    Get<&ICustomDatum::get_RotY>("RotY", 7),
+    Put<&ICustomDatum::put_RotY>("RotY", 7),
+    Get<&ICustomDatum::get_RotZ>("RotZ", 8),
+    Put<&ICustomDatum::put_RotZ>("RotZ", 8),
+    Get<&ICustomDatum::get_ScaleFactor>("ScaleFactor", 9),
+    Put<&ICustomDatum::put_ScaleFactor>("ScaleFactor", 9),
 };
 
 constexpr ClassDescription kClass = {CLSID_CustomDatum, IID_ICustomDatum, nullptr, kMembers};
 
 class CustomDatumObject final : public AutomationObject<ICustomDatum, CustomDatum, FreeThreaded> {
   public:
-    explicit CustomDatumObject(Ref<CustomDatum> record)
-        : AutomationObject(kClass, std::move(record)) {}
+    using AutomationObject::AutomationObject;
+
+    STDMETHOD(QueryInterface)(REFIID id, void** object) override {
+        const HRESULT found = AutomationObject::QueryInterface(id, object);
+        if (found != E_NOINTERFACE) return found;
+        return QueryMarshaler(*static_cast<ICustomDatum*>(this), id, object);
+    }
 
     STDMETHOD(get_SemiMajorAxis)(VARIANT* result) override {
         return GetBy<&CustomDatum::SemiMajorAxis>(result);
@@ -64,25 +68,16 @@ class CustomDatumObject final : public AutomationObject<ICustomDatum, CustomDatu
     STDMETHOD(put_ScaleFactor)(VARIANT value) override {
         return PutBy<&CustomDatum::PutScaleFactor>(value);
     }
-
-  private:
-    HRESULT QueryFurtherInterface(REFIID id, void** object) override {
-        return QueryMarshaler(*static_cast<ICustomDatum*>(this), id, object);
-    }
 };
 
 }  // namespace
 
-ComRef<IUnknown> CreateCustomDatumObject() {
-    Ref<CustomDatum> record = TryMakeRef<CustomDatum>();
-    if (!record) return nullptr;
-    ICustomDatum* const object = new (std::nothrow) CustomDatumObject(std::move(record));
-    return ComRef<IUnknown>::Adopt(object);
+ComRef<IDispatch> CreateCustomDatumObject() {
+    return ObjectWithCore<CustomDatumObject>::Make(kClass, TryMakeRef<CustomDatum>());
 }
 
 ComRef<IDispatch> WrapCustomDatum(Ref<CustomDatum> record) {
-    if (!record) return nullptr;
-    return ComRef<IDispatch>::Adopt(new (std::nothrow) CustomDatumObject(std::move(record)));
+    return ObjectWithCore<CustomDatumObject>::Make(kClass, std::move(record));
 }
 
 }  // namespace kavrel

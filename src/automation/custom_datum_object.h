@@ -9,7 +9,7 @@
 namespace kavrel {
 
 // A new object around a new record; null when memory is short.
-ComRef<IUnknown> CreateCustomDatumObject();
+ComRef<IDispatch> CreateCustomDatumObject();
 
 // A new object around a record; null for a null record.
 ComRef<IDispatch> WrapCustomDatum(Ref<CustomDatum> record);

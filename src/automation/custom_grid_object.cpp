@@ -1,6 +1,5 @@
 #include "automation/custom_grid_object.h"
 
-#include <new>
 #include <utility>
 
 #include "KavrelCE_h.h"
@@ -13,34 +12,39 @@ namespace kavrel {
 namespace {
 
 constexpr Member kMembers[] = {
-    Get<&ICustomGrid::get_Datum>(L"Datum", 1),
-    Put<&ICustomGrid::put_Datum>(L"Datum", 1),
-    Get<&ICustomGrid::get_CustomDatum>(L"CustomDatum", 2),
-    PutRef<&ICustomGrid::putref_CustomDatum>(L"CustomDatum", 2),
-    Get<&ICustomGrid::get_Algorithm>(L"Algorithm", 3),
-    Put<&ICustomGrid::put_Algorithm>(L"Algorithm", 3),
-    Get<&ICustomGrid::get_FalseEasting>(L"FalseEasting", 4),
-    Put<&ICustomGrid::put_FalseEasting>(L"FalseEasting", 4),
-    Get<&ICustomGrid::get_FalseNorthing>(L"FalseNorthing", 5),
-    Put<&ICustomGrid::put_FalseNorthing>(L"FalseNorthing", 5),
-    Get<&ICustomGrid::get_LongitudeOfOrigin>(L"LongitudeOfOrigin", 6),
-    Put<&ICustomGrid::put_LongitudeOfOrigin>(L"LongitudeOfOrigin", 6),
-    Get<&ICustomGrid::get_LatitudeOfOrigin>(L"LatitudeOfOrigin", 7),
-    Put<&ICustomGrid::put_LatitudeOfOrigin>(L"LatitudeOfOrigin", 7),
-    Get<&ICustomGrid::get_ScaleFactor>(L"ScaleFactor", 8),
-    Put<&ICustomGrid::put_ScaleFactor>(L"ScaleFactor", 8),
-    Get<&ICustomGrid::get_LatitudeSP1>(L"LatitudeSP1", 9),
-    Put<&ICustomGrid::put_LatitudeSP1>(L"LatitudeSP1", 9),
-    Get<&ICustomGrid::get_LatitudeSP2>(L"LatitudeSP2", 10),
-    Put<&ICustomGrid::put_LatitudeSP2>(L"LatitudeSP2", 10),
+    Get<&ICustomGrid::get_Datum>("Datum", 1),
+    Put<&ICustomGrid::put_Datum>("Datum", 1),
+    Get<&ICustomGrid::get_CustomDatum>("CustomDatum", 2),
+    PutRef<&ICustomGrid::putref_CustomDatum>("CustomDatum", 2),
+    Get<&ICustomGrid::get_Algorithm>("Algorithm", 3),
+    Put<&ICustomGrid::put_Algorithm>("Algorithm", 3),
+    Get<&ICustomGrid::get_FalseEasting>("FalseEasting", 4),
+    Put<&ICustomGrid::put_FalseEasting>("FalseEasting", 4),
+    Get<&ICustomGrid::get_FalseNorthing>("FalseNorthing", 5),
+    Put<&ICustomGrid::put_FalseNorthing>("FalseNorthing", 5),
+    Get<&ICustomGrid::get_LongitudeOfOrigin>("LongitudeOfOrigin", 6),
+    Put<&ICustomGrid::put_LongitudeOfOrigin>("LongitudeOfOrigin", 6),
+    Get<&ICustomGrid::get_LatitudeOfOrigin>("LatitudeOfOrigin", 7),
+    Put<&ICustomGrid::put_LatitudeOfOrigin>("LatitudeOfOrigin", 7),
+    Get<&ICustomGrid::get_ScaleFactor>("ScaleFactor", 8),
+    Put<&ICustomGrid::put_ScaleFactor>("ScaleFactor", 8),
+    Get<&ICustomGrid::get_LatitudeSP1>("LatitudeSP1", 9),
+    Put<&ICustomGrid::put_LatitudeSP1>("LatitudeSP1", 9),
+    Get<&ICustomGrid::get_LatitudeSP2>("LatitudeSP2", 10),
+    Put<&ICustomGrid::put_LatitudeSP2>("LatitudeSP2", 10),
 };
 
 constexpr ClassDescription kClass = {CLSID_CustomGrid, IID_ICustomGrid, nullptr, kMembers};
 
 class CustomGridObject final : public AutomationObject<ICustomGrid, CustomGrid, FreeThreaded> {
   public:
-    explicit CustomGridObject(Ref<CustomGrid> record)
-        : AutomationObject(kClass, std::move(record)) {}
+    using AutomationObject::AutomationObject;
+
+    STDMETHOD(QueryInterface)(REFIID id, void** object) override {
+        const HRESULT found = AutomationObject::QueryInterface(id, object);
+        if (found != E_NOINTERFACE) return found;
+        return QueryMarshaler(*static_cast<ICustomGrid*>(this), id, object);
+    }
 
     STDMETHOD(get_Datum)(VARIANT* result) override { return GetBy<&CustomGrid::Datum>(result); }
     STDMETHOD(put_Datum)(VARIANT value) override { return PutBy<&CustomGrid::PutDatum>(value); }
@@ -94,11 +98,6 @@ class CustomGridObject final : public AutomationObject<ICustomGrid, CustomGrid, 
     STDMETHOD(put_LatitudeSP2)(VARIANT value) override {
         return PutBy<&CustomGrid::PutLatitudeSP2>(value);
     }
-
-  private:
-    HRESULT QueryFurtherInterface(REFIID id, void** object) override {
-        return QueryMarshaler(*static_cast<ICustomGrid*>(this), id, object);
-    }
 };
 
 STDMETHODIMP CustomGridObject::get_CustomDatum(VARIANT* result) {
@@ -114,11 +113,8 @@ STDMETHODIMP CustomGridObject::putref_CustomDatum(VARIANT value) {
 
 }  // namespace
 
-ComRef<IUnknown> CreateCustomGridObject() {
-    Ref<CustomGrid> record = TryMakeRef<CustomGrid>();
-    if (!record) return nullptr;
-    ICustomGrid* const object = new (std::nothrow) CustomGridObject(std::move(record));
-    return ComRef<IUnknown>::Adopt(object);
+ComRef<IDispatch> CreateCustomGridObject() {
+    return ObjectWithCore<CustomGridObject>::Make(kClass, TryMakeRef<CustomGrid>());
 }
 
 }  // namespace kavrel

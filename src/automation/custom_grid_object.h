@@ -9,6 +9,6 @@
 namespace kavrel {
 
 // A new object around a new record; null when memory is short.
-ComRef<IUnknown> CreateCustomGridObject();
+ComRef<IDispatch> CreateCustomGridObject();
 
 }  // namespace kavrel

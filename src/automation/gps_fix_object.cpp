@@ -1,6 +1,5 @@
 #include "automation/gps_fix_object.h"
 
-#include <new>
 #include <utility>
 
 #include "KavrelCE_h.h"
@@ -11,22 +10,18 @@ namespace kavrel {
 namespace {
 
 constexpr Member kMembers[] = {
-    Get<&IGpsFix::get_UTC>(L"UTC", 1),
-    Get<&IGpsFix::get_Position>(L"Position", 2),
-    Get<&IGpsFix::get_FixType>(L"FixType", 3),
+    Get<&IGpsFix::get_UTC>("UTC", 1),
+    Get<&IGpsFix::get_Position>("Position", 2),
+    Get<&IGpsFix::get_FixType>("FixType", 3),
 };
 
 constexpr ClassDescription kClass = {CLSID_GpsFix, IID_IGpsFix, nullptr, kMembers};
 
 class GpsFixObject final : public AutomationObject<IGpsFix, GpsFix> {
   public:
-    explicit GpsFixObject(Ref<GpsFix> record) : AutomationObject(kClass, std::move(record)) {}
+    using AutomationObject::AutomationObject;
 
-    STDMETHOD(get_UTC)(VARIANT* result) override {
-        if (result == nullptr) return E_POINTER;
-        SetVariantToDate(*result, record().Utc());
-        return Check(record().error());
-    }
+    STDMETHOD(get_UTC)(VARIANT* result) override { return GetBy<&GpsFix::Utc>(result); }
     // Always succeeds: a record without a position gives a null object.
     STDMETHOD(get_Position)(VARIANT* result) override {
         if (result == nullptr) return E_POINTER;
@@ -39,8 +34,7 @@ class GpsFixObject final : public AutomationObject<IGpsFix, GpsFix> {
 }  // namespace
 
 ComRef<IDispatch> WrapGpsFix(Ref<GpsFix> record) {
-    if (!record) return nullptr;
-    return ComRef<IDispatch>::Adopt(new (std::nothrow) GpsFixObject(std::move(record)));
+    return ObjectWithCore<GpsFixObject>::Make(kClass, std::move(record));
 }
 
 }  // namespace kavrel

@@ -1,6 +1,5 @@
 #include "automation/movement_object.h"
 
-#include <new>
 #include <utility>
 
 #include "KavrelCE_h.h"
@@ -10,16 +9,16 @@ namespace kavrel {
 namespace {
 
 constexpr Member kMembers[] = {
-    Get<&IMovement::get_Heading>(L"Heading", 1),
-    Get<&IMovement::get_Speed>(L"Speed", 2),
-    Get<&IMovement::get_MagneticVariation>(L"MagneticVariation", 3),
+    Get<&IMovement::get_Heading>("Heading", 1),
+    Get<&IMovement::get_Speed>("Speed", 2),
+    Get<&IMovement::get_MagneticVariation>("MagneticVariation", 3),
 };
 
 constexpr ClassDescription kClass = {CLSID_Movement, IID_IMovement, nullptr, kMembers};
 
 class MovementObject final : public AutomationObject<IMovement, Movement> {
   public:
-    explicit MovementObject(Ref<Movement> record) : AutomationObject(kClass, std::move(record)) {}
+    using AutomationObject::AutomationObject;
 
     STDMETHOD(get_Heading)(VARIANT* result) override { return GetBy<&Movement::Heading>(result); }
     STDMETHOD(get_Speed)(VARIANT frm, VARIANT* result) override {
@@ -33,8 +32,7 @@ class MovementObject final : public AutomationObject<IMovement, Movement> {
 }  // namespace
 
 ComRef<IDispatch> WrapMovement(Ref<Movement> record) {
-    if (!record) return nullptr;
-    return ComRef<IDispatch>::Adopt(new (std::nothrow) MovementObject(std::move(record)));
+    return ObjectWithCore<MovementObject>::Make(kClass, std::move(record));
 }
 
 }  // namespace kavrel

@@ -1,6 +1,5 @@
 #include "automation/nmea_gga_object.h"
 
-#include <new>
 #include <utility>
 
 #include "KavrelCE_h.h"
@@ -11,18 +10,18 @@ namespace kavrel {
 namespace {
 
 constexpr Member kMembers[] = {
-    Get<&INmeaGGA::get_Position>(L"Position", 1),
-    Get<&INmeaGGA::get_Valid>(L"Valid", 2),
-    Get<&INmeaGGA::get_UTC>(L"UTC", 3),
-    Get<&INmeaGGA::get_SatellitesInView>(L"SatellitesInView", 4),
-    Get<&INmeaGGA::get_HDOP>(L"HDOP", 5),
+    Get<&INmeaGGA::get_Position>("Position", 1),
+    Get<&INmeaGGA::get_Valid>("Valid", 2),
+    Get<&INmeaGGA::get_UTC>("UTC", 3),
+    Get<&INmeaGGA::get_SatellitesInView>("SatellitesInView", 4),
+    Get<&INmeaGGA::get_HDOP>("HDOP", 5),
 };
 
 constexpr ClassDescription kClass = {CLSID_NmeaGGA, IID_INmeaGGA, nullptr, kMembers};
 
 class NmeaGGAObject final : public AutomationObject<INmeaGGA, NmeaGga> {
   public:
-    explicit NmeaGGAObject(Ref<NmeaGga> record) : AutomationObject(kClass, std::move(record)) {}
+    using AutomationObject::AutomationObject;
 
     // Always succeeds: a record without a position gives a null object.
     STDMETHOD(get_Position)(VARIANT* result) override {
@@ -31,11 +30,7 @@ class NmeaGGAObject final : public AutomationObject<INmeaGGA, NmeaGga> {
         return S_OK;
     }
     STDMETHOD(get_Valid)(VARIANT* result) override { return GetBy<&NmeaGga::Valid>(result); }
-    STDMETHOD(get_UTC)(VARIANT* result) override {
-        if (result == nullptr) return E_POINTER;
-        SetVariantToDate(*result, record().Utc());
-        return Check(record().error());
-    }
+    STDMETHOD(get_UTC)(VARIANT* result) override { return GetBy<&NmeaGga::Utc>(result); }
     STDMETHOD(get_SatellitesInView)(VARIANT* result) override {
         return GetBy<&NmeaGga::SatellitesInView>(result);
     }
@@ -45,8 +40,7 @@ class NmeaGGAObject final : public AutomationObject<INmeaGGA, NmeaGga> {
 }  // namespace
 
 ComRef<IDispatch> WrapNmeaGGA(Ref<NmeaGga> record) {
-    if (!record) return nullptr;
-    return ComRef<IDispatch>::Adopt(new (std::nothrow) NmeaGGAObject(std::move(record)));
+    return ObjectWithCore<NmeaGGAObject>::Make(kClass, std::move(record));
 }
 
 }  // namespace kavrel

@@ -1,6 +1,5 @@
 #include "automation/nmea_gll_object.h"
 
-#include <new>
 #include <utility>
 
 #include "KavrelCE_h.h"
@@ -11,16 +10,16 @@ namespace kavrel {
 namespace {
 
 constexpr Member kMembers[] = {
-    Get<&INmeaGLL::get_Position>(L"Position", 1),
-    Get<&INmeaGLL::get_Valid>(L"Valid", 2),
-    Get<&INmeaGLL::get_UTC>(L"UTC", 3),
+    Get<&INmeaGLL::get_Position>("Position", 1),
+    Get<&INmeaGLL::get_Valid>("Valid", 2),
+    Get<&INmeaGLL::get_UTC>("UTC", 3),
 };
 
 constexpr ClassDescription kClass = {CLSID_NmeaGLL, IID_INmeaGLL, nullptr, kMembers};
 
 class NmeaGLLObject final : public AutomationObject<INmeaGLL, NmeaGll> {
   public:
-    explicit NmeaGLLObject(Ref<NmeaGll> record) : AutomationObject(kClass, std::move(record)) {}
+    using AutomationObject::AutomationObject;
 
     // Always succeeds: a record without a position gives a null object.
     STDMETHOD(get_Position)(VARIANT* result) override {
@@ -29,18 +28,13 @@ class NmeaGLLObject final : public AutomationObject<INmeaGLL, NmeaGll> {
         return S_OK;
     }
     STDMETHOD(get_Valid)(VARIANT* result) override { return GetBy<&NmeaGll::Valid>(result); }
-    STDMETHOD(get_UTC)(VARIANT* result) override {
-        if (result == nullptr) return E_POINTER;
-        SetVariantToDate(*result, record().Utc());
-        return Check(record().error());
-    }
+    STDMETHOD(get_UTC)(VARIANT* result) override { return GetBy<&NmeaGll::Utc>(result); }
 };
 
 }  // namespace
 
 ComRef<IDispatch> WrapNmeaGLL(Ref<NmeaGll> record) {
-    if (!record) return nullptr;
-    return ComRef<IDispatch>::Adopt(new (std::nothrow) NmeaGLLObject(std::move(record)));
+    return ObjectWithCore<NmeaGLLObject>::Make(kClass, std::move(record));
 }
 
 }  // namespace kavrel

@@ -1,6 +1,5 @@
 #include "automation/nmea_parser_object.h"
 
-#include <new>
 #include <utility>
 
 #include "KavrelCE_h.h"
@@ -19,21 +18,21 @@ namespace kavrel {
 namespace {
 
 constexpr Member kMembers[] = {
-    Method<&INmeaParser::Parse>(L"Parse", 1),
-    Put<&INmeaParser::put_AllEventsGeneric>(L"AllEventsGeneric", 2),
-    Put<&INmeaParser::put_GpsDatum>(L"GpsDatum", 3),
-    Put<&INmeaParser::put_ComPort>(L"ComPort", 4),
-    Put<&INmeaParser::put_BaudRate>(L"BaudRate", 5),
-    Put<&INmeaParser::put_PortEnabled>(L"PortEnabled", 6),
-    Put<&INmeaParser::put_NoEvents>(L"NoEvents", 7),
-    Query<&INmeaParser::GetGpsFix>(L"GetGpsFix", 8),
-    Query<&INmeaParser::GetSatellites>(L"GetSatellites", 9),
-    Query<&INmeaParser::GetMovement>(L"GetMovement", 10),
-    Query<&INmeaParser::GetQuality>(L"GetQuality", 11),
-    Query<&INmeaParser::GetComStatus>(L"GetComStatus", 12),
-    Method<&INmeaParser::WriteData>(L"WriteData", 13),
-    Put<&INmeaParser::put_ChecksumMandatory>(L"ChecksumMandatory", 14),
-    Method<&INmeaParser::EventInterval>(L"EventInterval", 15),
+    Method<&INmeaParser::Parse>("Parse", 1),
+    Put<&INmeaParser::put_AllEventsGeneric>("AllEventsGeneric", 2),
+    Put<&INmeaParser::put_GpsDatum>("GpsDatum", 3),
+    Put<&INmeaParser::put_ComPort>("ComPort", 4),
+    Put<&INmeaParser::put_BaudRate>("BaudRate", 5),
+    Put<&INmeaParser::put_PortEnabled>("PortEnabled", 6),
+    Put<&INmeaParser::put_NoEvents>("NoEvents", 7),
+    Query<&INmeaParser::GetGpsFix>("GetGpsFix", 8),
+    Query<&INmeaParser::GetSatellites>("GetSatellites", 9),
+    Query<&INmeaParser::GetMovement>("GetMovement", 10),
+    Query<&INmeaParser::GetQuality>("GetQuality", 11),
+    Query<&INmeaParser::GetComStatus>("GetComStatus", 12),
+    Method<&INmeaParser::WriteData>("WriteData", 13),
+    Put<&INmeaParser::put_ChecksumMandatory>("ChecksumMandatory", 14),
+    Method<&INmeaParser::EventInterval>("EventInterval", 15),
 };
 
 constexpr ClassDescription kClass = {CLSID_NmeaParser, IID_INmeaParser, &DIID__INmeaParserEvents,
@@ -41,16 +40,26 @@ constexpr ClassDescription kClass = {CLSID_NmeaParser, IID_INmeaParser, &DIID__I
 
 class NmeaParserObject final : public AutomationObject<INmeaParser, NmeaParser, EventSource> {
   public:
-    // Null when memory is short for any part of it.
-    static ComRef<IUnknown> Create() {
-        Ref<NmeaParser> engine = TryMakeRef<NmeaParser>();
-        Ref<Link> link = TryMakeRef<Link>();
-        if (!engine || !engine->IsComplete() || !link) return nullptr;
-        INmeaParser* const object =
-            new (std::nothrow) NmeaParserObject(std::move(engine), std::move(link));
-        return ComRef<IUnknown>::Adopt(object);
+    using Link = ParserEventLink<NmeaParserObject>;
+
+    NmeaParserObject(ObjectCore& core, Ref<Link> link)
+        : AutomationObject(core), link_(std::move(link)) {
+        link_->Tie(this);
+        record().KeepContext(link_);
+    }
+    ~NmeaParserObject() {
+        link_->Cut();
+        record().SetEventSink({});
+        record().ShutDown();
     }
 
+    STDMETHOD(QueryInterface)(REFIID id, void** object) override {
+        const HRESULT found = AutomationObject::QueryInterface(id, object);
+        if (found != E_NOINTERFACE || !IsEqualIID(id, IID_IConnectionPointContainer)) return found;
+        *object = static_cast<IConnectionPointContainer*>(this);
+        AddRef();
+        return S_OK;
+    }
     STDMETHOD(Parse)(VARIANT sentence) override {
         // The receiver of an event may drop the client's last reference, and the engine goes on.
         const auto keepAlive = ComRef<INmeaParser>::Share(this);
@@ -105,27 +114,6 @@ class NmeaParserObject final : public AutomationObject<INmeaParser, NmeaParser, 
     }
 
   private:
-    using Link = ParserEventLink<NmeaParserObject>;
-
-    NmeaParserObject(Ref<NmeaParser> engine, Ref<Link> link)
-        : AutomationObject(kClass, std::move(engine)), link_(std::move(link)) {
-        link_->Tie(this);
-        record().KeepContext(link_);
-    }
-    ~NmeaParserObject() override {
-        link_->Cut();
-        record().SetEventSink({});
-        record().ShutDown();
-    }
-
-    HRESULT QueryFurtherInterface(REFIID id, void** object) override {
-        *object = nullptr;
-        if (!IsEqualIID(id, IID_IConnectionPointContainer)) return E_NOINTERFACE;
-        *object = static_cast<IConnectionPointContainer*>(this);
-        AddRef();
-        return S_OK;
-    }
-
     // The engine raises events, and decodes for them, for as long as somebody listens.
     void OnSinksChanged(bool hasSinks) override {
         EventSink sink;
@@ -147,8 +135,11 @@ class NmeaParserObject final : public AutomationObject<INmeaParser, NmeaParser, 
 
 }  // namespace
 
-ComRef<IUnknown> CreateNmeaParserObject() {
-    return NmeaParserObject::Create();
+ComRef<IDispatch> CreateNmeaParserObject() {
+    Ref<NmeaParser> engine = TryMakeRef<NmeaParser>();
+    auto link = TryMakeRef<NmeaParserObject::Link>();
+    if (!engine || !engine->IsComplete() || !link) return nullptr;
+    return ObjectWithCore<NmeaParserObject>::Make(kClass, std::move(engine), std::move(link));
 }
 
 }  // namespace kavrel

@@ -8,6 +8,6 @@
 namespace kavrel {
 
 // A new object around a new record; null when memory is short.
-ComRef<IUnknown> CreateNmeaParserObject();
+ComRef<IDispatch> CreateNmeaParserObject();
 
 }  // namespace kavrel

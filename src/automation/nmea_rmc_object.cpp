@@ -1,6 +1,5 @@
 #include "automation/nmea_rmc_object.h"
 
-#include <new>
 #include <utility>
 
 #include "KavrelCE_h.h"
@@ -11,19 +10,19 @@ namespace kavrel {
 namespace {
 
 constexpr Member kMembers[] = {
-    Get<&INmeaRMC::get_GroundSpeed>(L"GroundSpeed", 1),
-    Get<&INmeaRMC::get_Position>(L"Position", 2),
-    Get<&INmeaRMC::get_Valid>(L"Valid", 3),
-    Get<&INmeaRMC::get_UTC>(L"UTC", 4),
-    Get<&INmeaRMC::get_Heading>(L"Heading", 5),
-    Get<&INmeaRMC::get_MagneticVariation>(L"MagneticVariation", 6),
+    Get<&INmeaRMC::get_GroundSpeed>("GroundSpeed", 1),
+    Get<&INmeaRMC::get_Position>("Position", 2),
+    Get<&INmeaRMC::get_Valid>("Valid", 3),
+    Get<&INmeaRMC::get_UTC>("UTC", 4),
+    Get<&INmeaRMC::get_Heading>("Heading", 5),
+    Get<&INmeaRMC::get_MagneticVariation>("MagneticVariation", 6),
 };
 
 constexpr ClassDescription kClass = {CLSID_NmeaRMC, IID_INmeaRMC, nullptr, kMembers};
 
 class NmeaRMCObject final : public AutomationObject<INmeaRMC, NmeaRmc> {
   public:
-    explicit NmeaRMCObject(Ref<NmeaRmc> record) : AutomationObject(kClass, std::move(record)) {}
+    using AutomationObject::AutomationObject;
 
     STDMETHOD(get_GroundSpeed)(VARIANT frm, VARIANT* result) override {
         return Return(result, [&] { return record().GroundSpeed(ToInt16(frm)); });
@@ -35,11 +34,7 @@ class NmeaRMCObject final : public AutomationObject<INmeaRMC, NmeaRmc> {
         return S_OK;
     }
     STDMETHOD(get_Valid)(VARIANT* result) override { return GetBy<&NmeaRmc::Valid>(result); }
-    STDMETHOD(get_UTC)(VARIANT* result) override {
-        if (result == nullptr) return E_POINTER;
-        SetVariantToDate(*result, record().Utc());
-        return Check(record().error());
-    }
+    STDMETHOD(get_UTC)(VARIANT* result) override { return GetBy<&NmeaRmc::Utc>(result); }
     STDMETHOD(get_Heading)(VARIANT* result) override { return GetBy<&NmeaRmc::Heading>(result); }
     STDMETHOD(get_MagneticVariation)(VARIANT* result) override {
         return GetBy<&NmeaRmc::MagneticVariation>(result);
@@ -49,8 +44,7 @@ class NmeaRMCObject final : public AutomationObject<INmeaRMC, NmeaRmc> {
 }  // namespace
 
 ComRef<IDispatch> WrapNmeaRMC(Ref<NmeaRmc> record) {
-    if (!record) return nullptr;
-    return ComRef<IDispatch>::Adopt(new (std::nothrow) NmeaRMCObject(std::move(record)));
+    return ObjectWithCore<NmeaRMCObject>::Make(kClass, std::move(record));
 }
 
 }  // namespace kavrel

@@ -1,6 +1,5 @@
 #include "automation/nmea_sentence_object.h"
 
-#include <new>
 #include <utility>
 
 #include "KavrelCE_h.h"
@@ -10,23 +9,22 @@ namespace kavrel {
 namespace {
 
 constexpr Member kMembers[] = {
-    Get<&INmeaSentence::get_Sentence>(L"Sentence", 1),
-    Put<&INmeaSentence::put_Sentence>(L"Sentence", 1),
-    Query<&INmeaSentence::Fields>(L"Fields", 2),
-    Get<&INmeaSentence::get_FieldsCount>(L"FieldsCount", 3),
-    Get<&INmeaSentence::get_Command>(L"Command", 4),
-    Put<&INmeaSentence::put_Command>(L"Command", 4),
-    Get<&INmeaSentence::get_FullCommand>(L"FullCommand", 5),
-    Put<&INmeaSentence::put_FullCommand>(L"FullCommand", 5),
-    Method<&INmeaSentence::SetField>(L"SetField", 6),
+    Get<&INmeaSentence::get_Sentence>("Sentence", 1),
+    Put<&INmeaSentence::put_Sentence>("Sentence", 1),
+    Query<&INmeaSentence::Fields>("Fields", 2),
+    Get<&INmeaSentence::get_FieldsCount>("FieldsCount", 3),
+    Get<&INmeaSentence::get_Command>("Command", 4),
+    Put<&INmeaSentence::put_Command>("Command", 4),
+    Get<&INmeaSentence::get_FullCommand>("FullCommand", 5),
+    Put<&INmeaSentence::put_FullCommand>("FullCommand", 5),
+    Method<&INmeaSentence::SetField>("SetField", 6),
 };
 
 constexpr ClassDescription kClass = {CLSID_NmeaSentence, IID_INmeaSentence, nullptr, kMembers};
 
 class NmeaSentenceObject final : public AutomationObject<INmeaSentence, NmeaSentence> {
   public:
-    explicit NmeaSentenceObject(Ref<NmeaSentence> record)
-        : AutomationObject(kClass, std::move(record)) {}
+    using AutomationObject::AutomationObject;
 
     STDMETHOD(get_Sentence)(VARIANT* result) override {
         return GetBy<&NmeaSentence::TextAsGiven>(result);
@@ -59,8 +57,7 @@ class NmeaSentenceObject final : public AutomationObject<INmeaSentence, NmeaSent
 }  // namespace
 
 ComRef<IDispatch> WrapNmeaSentence(Ref<NmeaSentence> record) {
-    if (!record) return nullptr;
-    return ComRef<IDispatch>::Adopt(new (std::nothrow) NmeaSentenceObject(std::move(record)));
+    return ObjectWithCore<NmeaSentenceObject>::Make(kClass, std::move(record));
 }
 
 }  // namespace kavrel

@@ -1,6 +1,6 @@
 #include "automation/position_object.h"
 
-#include <new>
+#include <cstdint>
 #include <type_traits>
 #include <utility>
 
@@ -13,43 +13,43 @@ namespace kavrel {
 namespace {
 
 constexpr Member kMembers[] = {
-    Method<&IPosition::LatitudeDMS>(L"LatitudeDMS", 1),
-    Method<&IPosition::LongitudeDMS>(L"LongitudeDMS", 2),
-    Query<&IPosition::LatitudeString>(L"LatitudeString", 3),
-    Query<&IPosition::LongitudeString>(L"LongitudeString", 4),
-    Query<&IPosition::Altitude>(L"Altitude", 5),
-    Get<&IPosition::get_LatitudeRads>(L"LatitudeRads", 6),
-    Put<&IPosition::put_LatitudeRads>(L"LatitudeRads", 6),
-    Get<&IPosition::get_LongitudeRads>(L"LongitudeRads", 7),
-    Put<&IPosition::put_LongitudeRads>(L"LongitudeRads", 7),
-    Method<&IPosition::SetLatitudeDMS>(L"SetLatitudeDMS", 8),
-    Method<&IPosition::SetLongitudeDMS>(L"SetLongitudeDMS", 9),
-    Method<&IPosition::SetAltitude>(L"SetAltitude", 10),
-    Get<&IPosition::get_Datum>(L"Datum", 11),
-    Put<&IPosition::put_Datum>(L"Datum", 11),
-    Get<&IPosition::get_Grid>(L"Grid", 12),
-    Put<&IPosition::put_Grid>(L"Grid", 12),
-    Get<&IPosition::get_Easting>(L"Easting", 13),
-    Put<&IPosition::put_Easting>(L"Easting", 13),
-    Get<&IPosition::get_Northing>(L"Northing", 14),
-    Put<&IPosition::put_Northing>(L"Northing", 14),
-    Get<&IPosition::get_Zone>(L"Zone", 15),
-    Put<&IPosition::put_Zone>(L"Zone", 15),
-    Get<&IPosition::get_Latitude>(L"Latitude", 16),
-    Put<&IPosition::put_Latitude>(L"Latitude", 16),
-    Get<&IPosition::get_Longitude>(L"Longitude", 17),
-    Put<&IPosition::put_Longitude>(L"Longitude", 17),
-    Query<&IPosition::Distance>(L"Distance", 18),
-    Query<&IPosition::Bearing>(L"Bearing", 19),
-    Method<&IPosition::Move>(L"Move", 20),
-    Query<&IPosition::Copy>(L"Copy", 21),
-    Get<&IPosition::get_ModifiedCount>(L"ModifiedCount", 22),
-    Query<&IPosition::IsSameDatum>(L"IsSameDatum", 23),
-    Query<&IPosition::IsSameGrid>(L"IsSameGrid", 24),
-    Method<&IPosition::MakeSameDatum>(L"MakeSameDatum", 25),
-    Method<&IPosition::MakeSameGrid>(L"MakeSameGrid", 26),
-    PutRef<&IPosition::putref_CustomDatum>(L"CustomDatum", 27),
-    PutRef<&IPosition::putref_CustomGrid>(L"CustomGrid", 28),
+    Method<&IPosition::LatitudeDMS>("LatitudeDMS", 1),
+    Method<&IPosition::LongitudeDMS>("LongitudeDMS", 2),
+    Query<&IPosition::LatitudeString>("LatitudeString", 3),
+    Query<&IPosition::LongitudeString>("LongitudeString", 4),
+    Query<&IPosition::Altitude>("Altitude", 5),
+    Get<&IPosition::get_LatitudeRads>("LatitudeRads", 6),
+    Put<&IPosition::put_LatitudeRads>("LatitudeRads", 6),
+    Get<&IPosition::get_LongitudeRads>("LongitudeRads", 7),
+    Put<&IPosition::put_LongitudeRads>("LongitudeRads", 7),
+    Method<&IPosition::SetLatitudeDMS>("SetLatitudeDMS", 8),
+    Method<&IPosition::SetLongitudeDMS>("SetLongitudeDMS", 9),
+    Method<&IPosition::SetAltitude>("SetAltitude", 10),
+    Get<&IPosition::get_Datum>("Datum", 11),
+    Put<&IPosition::put_Datum>("Datum", 11),
+    Get<&IPosition::get_Grid>("Grid", 12),
+    Put<&IPosition::put_Grid>("Grid", 12),
+    Get<&IPosition::get_Easting>("Easting", 13),
+    Put<&IPosition::put_Easting>("Easting", 13),
+    Get<&IPosition::get_Northing>("Northing", 14),
+    Put<&IPosition::put_Northing>("Northing", 14),
+    Get<&IPosition::get_Zone>("Zone", 15),
+    Put<&IPosition::put_Zone>("Zone", 15),
+    Get<&IPosition::get_Latitude>("Latitude", 16),
+    Put<&IPosition::put_Latitude>("Latitude", 16),
+    Get<&IPosition::get_Longitude>("Longitude", 17),
+    Put<&IPosition::put_Longitude>("Longitude", 17),
+    Query<&IPosition::Distance>("Distance", 18),
+    Query<&IPosition::Bearing>("Bearing", 19),
+    Method<&IPosition::Move>("Move", 20),
+    Query<&IPosition::Copy>("Copy", 21),
+    Get<&IPosition::get_ModifiedCount>("ModifiedCount", 22),
+    Query<&IPosition::IsSameDatum>("IsSameDatum", 23),
+    Query<&IPosition::IsSameGrid>("IsSameGrid", 24),
+    Method<&IPosition::MakeSameDatum>("MakeSameDatum", 25),
+    Method<&IPosition::MakeSameGrid>("MakeSameGrid", 26),
+    PutRef<&IPosition::putref_CustomDatum>("CustomDatum", 27),
+    PutRef<&IPosition::putref_CustomGrid>("CustomGrid", 28),
 };
 
 constexpr ClassDescription kClass = {CLSID_Position, IID_IPosition, nullptr, kMembers};
@@ -66,7 +66,15 @@ Value ToResult(Value value) {
 // its operation runs under.
 class PositionObject final : public AutomationObject<IPosition, Position, ObjectSafety> {
   public:
-    explicit PositionObject(Ref<Position> record) : AutomationObject(kClass, std::move(record)) {}
+    using AutomationObject::AutomationObject;
+
+    STDMETHOD(QueryInterface)(REFIID id, void** object) override {
+        const HRESULT found = AutomationObject::QueryInterface(id, object);
+        if (found != E_NOINTERFACE || !IsEqualIID(id, IID_IObjectSafety)) return found;
+        *object = static_cast<IObjectSafety*>(this);
+        AddRef();
+        return S_OK;
+    }
 
     STDMETHOD(LatitudeDMS)
     (VARIANT* degrees, VARIANT* minutes, VARIANT* seconds, VARIANT* hemisphere) override {
@@ -77,25 +85,25 @@ class PositionObject final : public AutomationObject<IPosition, Position, Object
         return GiveDms(&Position::LongitudeDMS, degrees, minutes, seconds, hemisphere);
     }
     STDMETHOD(LatitudeString)(VARIANT frm, VARIANT* result) override {
-        return Answer(result, &Position::LatitudeString, ToInt16(frm));
+        return GiveInFormat<&Position::LatitudeString>(result, frm);
     }
     STDMETHOD(LongitudeString)(VARIANT frm, VARIANT* result) override {
-        return Answer(result, &Position::LongitudeString, ToInt16(frm));
+        return GiveInFormat<&Position::LongitudeString>(result, frm);
     }
     STDMETHOD(Altitude)(VARIANT frm, VARIANT* result) override {
-        return Answer(result, &Position::Altitude, ToInt16(frm));
+        return GiveInFormat<&Position::Altitude>(result, frm);
     }
     STDMETHOD(get_LatitudeRads)(VARIANT* result) override {
-        return Answer(result, &Position::LatitudeRads);
+        return GiveBy<&Position::LatitudeRads>(result);
     }
     STDMETHOD(get_LongitudeRads)(VARIANT* result) override {
-        return Answer(result, &Position::LongitudeRads);
+        return GiveBy<&Position::LongitudeRads>(result);
     }
     STDMETHOD(put_LatitudeRads)(VARIANT value) override {
-        return Run(&Position::PutLatitudeRads, ToDouble(value));
+        return TakeBy<double, &Position::PutLatitudeRads>(value);
     }
     STDMETHOD(put_LongitudeRads)(VARIANT value) override {
-        return Run(&Position::PutLongitudeRads, ToDouble(value));
+        return TakeBy<double, &Position::PutLongitudeRads>(value);
     }
     STDMETHOD(SetLatitudeDMS)
     (VARIANT degrees, VARIANT minutes, VARIANT seconds, VARIANT hemisphere) override {
@@ -108,23 +116,25 @@ class PositionObject final : public AutomationObject<IPosition, Position, Object
     STDMETHOD(SetAltitude)(VARIANT frm, VARIANT altitude) override {
         return Run(&Position::SetAltitude, ToInt16(frm), ToDouble(altitude));
     }
-    STDMETHOD(get_Datum)(VARIANT* result) override { return Answer(result, &Position::Datum); }
+    STDMETHOD(get_Datum)(VARIANT* result) override { return GiveBy<&Position::Datum>(result); }
     STDMETHOD(put_Datum)(VARIANT value) override {
-        return Run(&Position::PutDatum, ToInt16(value));
+        return TakeBy<std::int16_t, &Position::PutDatum>(value);
     }
-    STDMETHOD(get_Grid)(VARIANT* result) override { return Answer(result, &Position::Grid); }
-    STDMETHOD(put_Grid)(VARIANT value) override { return Run(&Position::PutGrid, ToInt16(value)); }
-    STDMETHOD(get_Easting)(VARIANT* result) override { return Answer(result, &Position::Easting); }
+    STDMETHOD(get_Grid)(VARIANT* result) override { return GiveBy<&Position::Grid>(result); }
+    STDMETHOD(put_Grid)(VARIANT value) override {
+        return TakeBy<std::int16_t, &Position::PutGrid>(value);
+    }
+    STDMETHOD(get_Easting)(VARIANT* result) override { return GiveBy<&Position::Easting>(result); }
     STDMETHOD(put_Easting)(VARIANT value) override {
-        return Run(&Position::PutEasting, ToDouble(value));
+        return TakeBy<double, &Position::PutEasting>(value);
     }
     STDMETHOD(get_Northing)(VARIANT* result) override {
-        return Answer(result, &Position::Northing);
+        return GiveBy<&Position::Northing>(result);
     }
     STDMETHOD(put_Northing)(VARIANT value) override {
-        return Run(&Position::PutNorthing, ToDouble(value));
+        return TakeBy<double, &Position::PutNorthing>(value);
     }
-    STDMETHOD(get_Zone)(VARIANT* result) override { return Answer(result, &Position::Zone); }
+    STDMETHOD(get_Zone)(VARIANT* result) override { return GiveBy<&Position::Zone>(result); }
     // Zones are texts with a letter to some hosts and numbers to others.
     STDMETHOD(put_Zone)(VARIANT value) override {
         if (IsText(value)) {
@@ -133,16 +143,16 @@ class PositionObject final : public AutomationObject<IPosition, Position, Object
         return Run<std::int32_t>(&Position::PutZone, ToInt32(value));
     }
     STDMETHOD(get_Latitude)(VARIANT* result) override {
-        return Answer(result, &Position::Latitude);
+        return GiveBy<&Position::Latitude>(result);
     }
     STDMETHOD(put_Latitude)(VARIANT value) override {
-        return Run(&Position::PutLatitude, ToDouble(value));
+        return TakeBy<double, &Position::PutLatitude>(value);
     }
     STDMETHOD(get_Longitude)(VARIANT* result) override {
-        return Answer(result, &Position::Longitude);
+        return GiveBy<&Position::Longitude>(result);
     }
     STDMETHOD(put_Longitude)(VARIANT value) override {
-        return Run(&Position::PutLongitude, ToDouble(value));
+        return TakeBy<double, &Position::PutLongitude>(value);
     }
     STDMETHOD(Distance)(VARIANT position2, VARIANT method, VARIANT* result) override {
         return AnswerWithOther(result, position2, &Position::Distance, ToInt32(method));
@@ -153,7 +163,7 @@ class PositionObject final : public AutomationObject<IPosition, Position, Object
     STDMETHOD(Move)(VARIANT distance, VARIANT bearing, VARIANT method) override {
         return Run(&Position::Move, ToDouble(distance), ToDouble(bearing), ToInt32(method));
     }
-    STDMETHOD(Copy)(VARIANT* result) override { return Answer(result, &Position::Copy); }
+    STDMETHOD(Copy)(VARIANT* result) override { return GiveBy<&Position::Copy>(result); }
     STDMETHOD(get_ModifiedCount)(VARIANT* result) override {
         if (result == nullptr) return E_POINTER;
         SetVariant(*result, static_cast<std::int32_t>(record().ModifiedCount()));
@@ -185,44 +195,69 @@ class PositionObject final : public AutomationObject<IPosition, Position, Object
     }
 
   private:
-    HRESULT QueryFurtherInterface(REFIID id, void** object) override {
-        *object = nullptr;
-        if (!IsEqualIID(id, IID_IObjectSafety)) return E_NOINTERFACE;
-        *object = static_cast<IObjectSafety*>(this);
-        AddRef();
-        return S_OK;
-    }
-
     // Runs an operation and checks its error before another thread can overwrite it. Arguments are
     // converted before: that may call the host, which must not happen under a lock.
-    template <typename Value, typename... Parameters>
-    Value Call(HRESULT& outcome, Position* other, Value (Position::*operation)(Parameters...),
-               const std::type_identity_t<Parameters>&... arguments) {
+    template <typename Operation>
+    auto Call(HRESULT& outcome, Position* other, Operation&& operation) {
         const Position::Scope scope(record(), other);
-        if constexpr (std::is_void_v<Value>) {
-            (record().*operation)(arguments...);
-            outcome = Check(record().error());
+        if constexpr (std::is_void_v<decltype(operation(record()))>) {
+            operation(record());
+            outcome = Check();
         } else {
-            Value value = (record().*operation)(arguments...);
-            outcome = Check(record().error());
+            auto value = operation(record());
+            outcome = Check();
             return value;
         }
     }
 
-    // A member with a result, or without one.
-    template <typename Value, typename... Parameters>
-    HRESULT Answer(VARIANT* result, Value (Position::*operation)(Parameters...),
-                   const std::type_identity_t<Parameters>&... arguments) {
+    // Properties: the members of one type share the code around their operation.
+    template <auto Getter>
+    HRESULT GiveBy(VARIANT* result) {
+        return Give(
+            result, +[](Position& position) { return (position.*Getter)(); });
+    }
+    template <typename Value>
+    HRESULT Give(VARIANT* result, Value (*getter)(Position& position)) {
         if (result == nullptr) return E_POINTER;
         HRESULT outcome;
-        SetVariant(*result, ToResult(Call(outcome, nullptr, operation, arguments...)));
+        SetVariant(*result, ToResult(Call(outcome, nullptr, getter)));
         return outcome;
     }
+    template <auto Getter>
+    HRESULT GiveInFormat(VARIANT* result, const VARIANT& frm) {
+        return GiveInFormat(
+            result, frm,
+            +[](Position& position, std::int32_t format) { return (position.*Getter)(format); });
+    }
+    template <typename Value>
+    HRESULT GiveInFormat(VARIANT* result, const VARIANT& frm,
+                         Value (*getter)(Position& position, std::int32_t format)) {
+        if (result == nullptr) return E_POINTER;
+        const std::int16_t format = ToInt16(frm);
+        HRESULT outcome;
+        SetVariant(*result, Call(outcome, nullptr,
+                                 [=](Position& position) { return getter(position, format); }));
+        return outcome;
+    }
+    template <typename Value, auto Setter>
+    HRESULT TakeBy(const VARIANT& value) {
+        return Take(
+            value, +[](Position& position, Value converted) { (position.*Setter)(converted); });
+    }
+    template <typename Value>
+    HRESULT Take(const VARIANT& value, void (*setter)(Position& position, Value value)) {
+        const auto converted = FromVariant<Value>(value);
+        HRESULT outcome;
+        Call(outcome, nullptr, [=](Position& position) { setter(position, converted); });
+        return outcome;
+    }
+
+    // A member without a result, from its converted arguments.
     template <typename... Parameters>
     HRESULT Run(void (Position::*operation)(Parameters...),
                 const std::type_identity_t<Parameters>&... arguments) {
         HRESULT outcome;
-        Call(outcome, nullptr, operation, arguments...);
+        Call(outcome, nullptr, [&](Position& position) { (position.*operation)(arguments...); });
         return outcome;
     }
 
@@ -235,14 +270,16 @@ class PositionObject final : public AutomationObject<IPosition, Position, Object
         Ref<Position> other;
         HRESULT outcome = FindPosition(position2, other);
         if (FAILED(outcome)) return outcome;
-        SetVariant(*result,
-                   ToResult(Call(outcome, other.get(), operation, other.get(), arguments...)));
+        SetVariant(*result, Call(outcome, other.get(), [&](Position& position) {
+            return (position.*operation)(other.get(), arguments...);
+        }));
         return outcome;
     }
     HRESULT RunWithOther(const VARIANT& position2, void (Position::*operation)(Position*)) {
         Ref<Position> other;
         HRESULT outcome = FindPosition(position2, other);
-        if (SUCCEEDED(outcome)) Call(outcome, other.get(), operation, other.get());
+        if (FAILED(outcome)) return outcome;
+        Call(outcome, other.get(), [&](Position& position) { (position.*operation)(other.get()); });
         return outcome;
     }
     HRESULT FindPosition(const VARIANT& argument, Ref<Position>& position) {
@@ -257,7 +294,8 @@ class PositionObject final : public AutomationObject<IPosition, Position, Object
             return E_POINTER;
         }
         HRESULT outcome;
-        const DmsWithHemisphere dms = Call(outcome, nullptr, getter);
+        const DmsWithHemisphere dms =
+            Call(outcome, nullptr, [=](Position& position) { return (position.*getter)(); });
         SetVariant(*degrees, dms.degrees);
         SetVariant(*minutes, dms.minutes);
         SetVariant(*seconds, dms.seconds);
@@ -275,16 +313,12 @@ class PositionObject final : public AutomationObject<IPosition, Position, Object
 
 }  // namespace
 
-ComRef<IUnknown> CreatePositionObject() {
-    Ref<Position> record = TryMakeRef<Position>();
-    if (!record) return nullptr;
-    IPosition* const object = new (std::nothrow) PositionObject(std::move(record));
-    return ComRef<IUnknown>::Adopt(object);
+ComRef<IDispatch> CreatePositionObject() {
+    return ObjectWithCore<PositionObject>::Make(kClass, TryMakeRef<Position>());
 }
 
 ComRef<IDispatch> WrapPosition(Ref<Position> record) {
-    if (!record) return nullptr;
-    return ComRef<IDispatch>::Adopt(new (std::nothrow) PositionObject(std::move(record)));
+    return ObjectWithCore<PositionObject>::Make(kClass, std::move(record));
 }
 
 }  // namespace kavrel

@@ -9,7 +9,7 @@
 namespace kavrel {
 
 // A new object around a new record; null when memory is short.
-ComRef<IUnknown> CreatePositionObject();
+ComRef<IDispatch> CreatePositionObject();
 
 // A new object around a record; null for a null record, or when memory is short.
 ComRef<IDispatch> WrapPosition(Ref<Position> record);

@@ -1,6 +1,5 @@
 #include "automation/satellite_object.h"
 
-#include <new>
 #include <utility>
 
 #include "KavrelCE_h.h"
@@ -10,18 +9,18 @@ namespace kavrel {
 namespace {
 
 constexpr Member kMembers[] = {
-    Get<&ISatellite::get_ID>(L"ID", 1),
-    Get<&ISatellite::get_Elevation>(L"Elevation", 2),
-    Get<&ISatellite::get_Azimuth>(L"Azimuth", 3),
-    Get<&ISatellite::get_SNR>(L"SNR", 4),
-    Get<&ISatellite::get_UsedForFix>(L"UsedForFix", 5),
+    Get<&ISatellite::get_ID>("ID", 1),
+    Get<&ISatellite::get_Elevation>("Elevation", 2),
+    Get<&ISatellite::get_Azimuth>("Azimuth", 3),
+    Get<&ISatellite::get_SNR>("SNR", 4),
+    Get<&ISatellite::get_UsedForFix>("UsedForFix", 5),
 };
 
 constexpr ClassDescription kClass = {CLSID_Satellite, IID_ISatellite, nullptr, kMembers};
 
 class SatelliteObject final : public AutomationObject<ISatellite, Satellite> {
   public:
-    explicit SatelliteObject(Ref<Satellite> record) : AutomationObject(kClass, std::move(record)) {}
+    using AutomationObject::AutomationObject;
 
     STDMETHOD(get_ID)(VARIANT* result) override { return GetBy<&Satellite::Id>(result); }
     STDMETHOD(get_Elevation)(VARIANT* result) override {
@@ -37,8 +36,7 @@ class SatelliteObject final : public AutomationObject<ISatellite, Satellite> {
 }  // namespace
 
 ComRef<IDispatch> WrapSatellite(Ref<Satellite> record) {
-    if (!record) return nullptr;
-    return ComRef<IDispatch>::Adopt(new (std::nothrow) SatelliteObject(std::move(record)));
+    return ObjectWithCore<SatelliteObject>::Make(kClass, std::move(record));
 }
 
 }  // namespace kavrel

@@ -3,7 +3,6 @@
 #include <oleauto.h>
 
 #include <cstdint>
-#include <new>
 #include <utility>
 #include <vector>
 
@@ -16,17 +15,16 @@ namespace kavrel {
 namespace {
 
 constexpr Member kMembers[] = {
-    Get<&ISatellites::get_Count>(L"Count", 1),
-    Get<&ISatellites::get_Item>(L"Item", DISPID_VALUE),
-    Get<&ISatellites::get__NewEnum>(L"_NewEnum", DISPID_NEWENUM),
+    Get<&ISatellites::get_Count>("Count", 1),
+    Get<&ISatellites::get_Item>("Item", DISPID_VALUE),
+    Get<&ISatellites::get__NewEnum>("_NewEnum", DISPID_NEWENUM),
 };
 
 constexpr ClassDescription kClass = {CLSID_Satellites, IID_ISatellites, nullptr, kMembers};
 
 class SatellitesObject final : public AutomationObject<ISatellites, Satellites> {
   public:
-    explicit SatellitesObject(Ref<Satellites> record)
-        : AutomationObject(kClass, std::move(record)) {}
+    using AutomationObject::AutomationObject;
 
     STDMETHOD(get_Count)(VARIANT* result) override { return GetBy<&Satellites::Count>(result); }
     STDMETHOD(get_Item)(VARIANT index, VARIANT* result) override {
@@ -60,8 +58,7 @@ STDMETHODIMP SatellitesObject::get__NewEnum(IUnknown** result) {
 }  // namespace
 
 ComRef<IDispatch> WrapSatellites(Ref<Satellites> record) {
-    if (!record) return nullptr;
-    return ComRef<IDispatch>::Adopt(new (std::nothrow) SatellitesObject(std::move(record)));
+    return ObjectWithCore<SatellitesObject>::Make(kClass, std::move(record));
 }
 
 }  // namespace kavrel

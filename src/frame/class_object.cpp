@@ -22,7 +22,7 @@ class ClassObject final : public ComObject<IClassFactory> {
         if (object == nullptr) return E_POINTER;
         *object = nullptr;
         if (outer != nullptr) return CLASS_E_NOAGGREGATION;
-        const ComRef<IUnknown> instance = entry_.createInstance();
+        const ComRef<IDispatch> instance = entry_.createInstance();
         if (!instance) return E_OUTOFMEMORY;
         return instance->QueryInterface(id, object);
     }

@@ -16,10 +16,9 @@ constexpr wchar_t ToLower(wchar_t c) {
     return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c + (L'a' - L'A')) : c;
 }
 
-// Member names are ASCII.
-bool IsSameName(const wchar_t* a, const wchar_t* b) {
-    for (; ToLower(*a) == ToLower(*b); ++a, ++b) {
-        if (*a == L'\0') return true;
+bool IsSameName(const char* member, const wchar_t* name) {
+    for (; ToLower(static_cast<unsigned char>(*member)) == ToLower(*name); ++member, ++name) {
+        if (*member == '\0') return true;
     }
     return false;
 }
@@ -121,7 +120,7 @@ class Call {
 
     HRESULT Run(IDispatch* self, VARIANT* result) {
         arguments_[member_.argumentCount] = result;
-        return member_.call(self, arguments_.data());
+        return CallMember(member_, self, arguments_.data());
     }
 
     HRESULT PassBack(UINT& badArgument) {
@@ -172,6 +171,34 @@ HRESULT GiveException(HRESULT failure, EXCEPINFO* exception) {
 }
 
 }  // namespace
+
+HRESULT CallMember(const Member& member, IDispatch* self, VARIANT* const* arguments) {
+    const AnyMemberFunction& function = member.function;
+    VARIANT* const* const a = arguments;
+    switch (member.signature) {
+        case Signature::Object:
+            V_VT(a[0]) = VT_UNKNOWN;
+            V_UNKNOWN(a[0]) = nullptr;
+            return (self->*function.object)(&V_UNKNOWN(a[0]));
+        case Signature::Out:
+            return (self->*function.out)(a[0]);
+        case Signature::Outs4:
+            return (self->*function.outs4)(a[0], a[1], a[2], a[3]);
+        case Signature::In:
+            return (self->*function.in)(*a[0]);
+        case Signature::Ins2:
+            return (self->*function.ins2)(*a[0], *a[1]);
+        case Signature::Ins3:
+            return (self->*function.ins3)(*a[0], *a[1], *a[2]);
+        case Signature::Ins4:
+            return (self->*function.ins4)(*a[0], *a[1], *a[2], *a[3]);
+        case Signature::InOut:
+            return (self->*function.inOut)(*a[0], a[1]);
+        case Signature::Ins2Out:
+            return (self->*function.ins2Out)(*a[0], *a[1], a[2]);
+    }
+    return E_UNEXPECTED;
+}
 
 HRESULT GetMemberIds(const ClassDescription& description, LPOLESTR* names, UINT count, LCID,
                      DISPID* ids) {

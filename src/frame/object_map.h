@@ -2,7 +2,7 @@
 // know no class by name.
 #pragma once
 
-#include <unknwn.h>
+#include <oaidl.h>
 
 #include <span>
 
@@ -17,7 +17,7 @@ struct ObjectMapEntry {
     unsigned scriptResource;
 
     // Makes an instance; null when memory is short.
-    ComRef<IUnknown> (*createInstance)();
+    ComRef<IDispatch> (*createInstance)();
 };
 
 // In the order in which classes are registered.

@@ -24,17 +24,17 @@ float ToSingle(const VARIANT& argument);
 double ToDouble(const VARIANT& argument);
 bool ToBool(const VARIANT& argument);
 
-// The value that a record's setter with one parameter takes.
-template <typename Class, typename Parameter>
-Parameter ToParameterOf(void (Class::*)(Parameter), const VARIANT& argument) {
-    if constexpr (std::is_same_v<Parameter, double>) {
+// The same by the type of the value.
+template <typename Value>
+Value FromVariant(const VARIANT& argument) {
+    if constexpr (std::is_same_v<Value, double>) {
         return ToDouble(argument);
-    } else if constexpr (std::is_same_v<Parameter, bool>) {
+    } else if constexpr (std::is_same_v<Value, bool>) {
         return ToBool(argument);
-    } else if constexpr (std::is_same_v<Parameter, std::int32_t>) {
+    } else if constexpr (std::is_same_v<Value, std::int32_t>) {
         return ToInt32(argument);
     } else {
-        static_assert(std::is_same_v<Parameter, std::int16_t>);
+        static_assert(std::is_same_v<Value, std::int16_t>);
         return ToInt16(argument);
     }
 }
