@@ -12,24 +12,30 @@
 
 namespace kavrel {
 
+// The part of a spare that is the same for every type of record.
+class SpareRecord {
+  public:
+    // Keeps a record that nobody else refers to; lets go of any other, and of null.
+    // REQUIRES: the record is of the spare's type.
+    void GiveBack(Ref<Record> record) {
+        if (record && record.IsOnly()) spare_ = std::move(record);
+    }
+
+  protected:
+    Ref<Record> spare_;
+};
+
 // A T is made by the same arguments as it is filled anew: T(args...), void T::Assign(args...).
 template <typename T>
-class Spare {
+class Spare : public SpareRecord {
   public:
     template <typename... Args>
     Ref<T> Make(Args&&... args) {
         if (!spare_) return MakeRef<T>(std::forward<Args>(args)...);
-        spare_->Assign(std::forward<Args>(args)...);
-        return std::move(spare_);
+        Ref<T> record = Ref<T>::Adopt(static_cast<T*>(spare_.Detach()));
+        record->Assign(std::forward<Args>(args)...);
+        return record;
     }
-
-    // Keeps a record that nobody else refers to; lets go of any other, and of null.
-    void GiveBack(Ref<T> record) {
-        if (record && record.IsOnly()) spare_ = std::move(record);
-    }
-
-  private:
-    Ref<T> spare_;
 };
 
 }  // namespace kavrel

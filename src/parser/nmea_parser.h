@@ -200,6 +200,9 @@ class NmeaParser final : public HandOverTarget, private PortReader::Listener {
     template <typename T>
     void RaiseDecoded(ParserEvent event, Ref<NmeaSentence>& sentence, const SentenceValues& values,
                       Spare<T>& spare);
+    static void CallDecoded(const EventHandler& handler, ParserEvent event,
+                            Ref<NmeaSentence>& sentence, Ref<DecodedSentence> decoded,
+                            SpareRecord& spare);
 
     // The wishes as they are now. For the dispatching thread, which may keep the reference until
     // it calls a client.
@@ -216,9 +219,14 @@ class NmeaParser final : public HandOverTarget, private PortReader::Listener {
     void RaiseComStatus(const ComStatusValues& status);
     static void Call(const EventHandler& handler, ParserEvent event, Record& object);
 
+    // Publishes a result, queues it or calls its handler.
     template <typename T>
     void Hand(IntervalSlot slot, const Turn& turn, SnapshotSlot<T>& snapshots, Spare<T>& spare,
-              Ref<T> object, std::int32_t level = 0);
+              Ref<T> object, std::int32_t level = 0) {
+        HandRecord(slot, turn, snapshots, spare, std::move(object), level);
+    }
+    void HandRecord(IntervalSlot slot, const Turn& turn, SnapshotRecordSlot& snapshots,
+                    SpareRecord& spare, Ref<Record> object, std::int32_t level);
 
     SentenceAssembler parseAssembler_;
     PortChoice portChoice_;

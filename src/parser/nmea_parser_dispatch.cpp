@@ -127,7 +127,13 @@ void NmeaParser::RaiseDecoded(ParserEvent event, Ref<NmeaSentence>& sentence,
     if (noEvents_) return;
     const EventHandler handler = HandlerOf(event);
     if (!handler) return;
-    Ref<T> decoded = spare.Make(std::move(sentence), values, gpsDatum_.load());
+    CallDecoded(handler, event, sentence, spare.Make(std::move(sentence), values, gpsDatum_.load()),
+                spare);
+}
+
+void NmeaParser::CallDecoded(const EventHandler& handler, ParserEvent event,
+                             Ref<NmeaSentence>& sentence, Ref<DecodedSentence> decoded,
+                             SpareRecord& spare) {
     Call(handler, event, *decoded);
     if (decoded.IsOnly()) {
         sentence = decoded->TakeSentence();
@@ -215,9 +221,8 @@ NmeaParser::Turn NmeaParser::TakeTurn(IntervalSlot slot) {
     return {.isRaised = clock_.TakeTurn(slot, wishes.intervals.Get(slot)), .handler = handler};
 }
 
-template <typename T>
-void NmeaParser::Hand(IntervalSlot slot, const Turn& turn, SnapshotSlot<T>& snapshots,
-                      Spare<T>& spare, Ref<T> object, std::int32_t level) {
+void NmeaParser::HandRecord(IntervalSlot slot, const Turn& turn, SnapshotRecordSlot& snapshots,
+                            SpareRecord& spare, Ref<Record> object, std::int32_t level) {
     const auto& [event, code] = DerivedEventOf(slot);
     if (turn.isPublished) {
         object = snapshots.Publish(std::move(object), level);
