@@ -74,12 +74,15 @@ TEST(SentenceAssembler, HoldsASentenceAsLongAsTheRing) {
     for (std::size_t offset = 0; offset < 512; offset += 73) {
         SentenceAssembler assembler;
         assembler.Append(std::string(offset, 'x'));
-        EXPECT_FALSE(assembler.HasSentence());
         const std::string longest = "$PLONG," + std::string(503, 'y');
         assembler.Append(longest + "\r\n");
         EXPECT_THAT(TakeAll(assembler), ElementsAre(longest)) << offset;
 
-        assembler.Append("$PLONG," + std::string(504, 'y') + "\r\n");
+        // One more is too many, in one piece or several.
+        assembler.Append(longest + "y\r\n");
+        EXPECT_THAT(TakeAll(assembler), IsEmpty()) << offset;
+        assembler.Append(longest);
+        assembler.Append("y\r\n");
         EXPECT_THAT(TakeAll(assembler), IsEmpty()) << offset;
         assembler.Append("$GPGGA,1\r\n");
         EXPECT_THAT(TakeAll(assembler), ElementsAre("$GPGGA,1")) << offset;
