@@ -12,8 +12,8 @@ template <typename T>
 class ComRef {
   public:
     ComRef() = default;
-    ComRef(std::nullptr_t) {
-    }  // NOLINT(google-explicit-constructor): null converts like a pointer's
+    // NOLINTNEXTLINE(google-explicit-constructor): null converts like a pointer's
+    ComRef(std::nullptr_t) {}
     ComRef(const ComRef& other) : ComRef(Share(other.object_)) {}
     ComRef(ComRef&& other) noexcept : object_(other.Detach()) {}
     ~ComRef() { Reset(); }

@@ -16,7 +16,9 @@ constexpr DWORD kNameCapacity = 256;
 
 // The platform's own constant is sign-extended to the width of a handle.
 HKEY KeyOf(RegistryHandle handle) {
-    return handle == kLocalMachine ? HKEY_LOCAL_MACHINE : reinterpret_cast<HKEY>(handle);
+    if (handle == kLocalMachine) return HKEY_LOCAL_MACHINE;
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the engine knows a handle as a number
+    return reinterpret_cast<HKEY>(handle);
 }
 
 // Zero-terminated, as the platform wants it.

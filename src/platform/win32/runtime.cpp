@@ -26,6 +26,8 @@ using Procedure = void (*)();
 
 }  // namespace
 
+// The names are those that the compiler and the standard library call.
+// NOLINTBEGIN(bugprone-reserved-identifier, readability-identifier-naming)
 extern "C" {
 
 BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* reserved);
@@ -123,3 +125,4 @@ void __throw_bad_optional_access() {
 }
 
 }  // namespace std
+// NOLINTEND(bugprone-reserved-identifier, readability-identifier-naming)
