@@ -32,10 +32,12 @@ class WorkerThread final : public Record {
     explicit WorkerThread(const char* name) : name_(name) {}
 
     // False when memory was short at its making: then it must not be started.
-    bool IsComplete() const { return finished_ && finished_->IsUsable(); }
+    bool IsComplete() const {
+        return begun_ && begun_->IsUsable() && finished_ && finished_->IsUsable();
+    }
 
-    // Runs owner.ThreadBody(*this, argument) on a new thread; does nothing when there is one.
-    // Errors: the platform's number with "Could not create thread".
+    // Runs owner.ThreadBody(*this, argument) on a new thread, and returns when that is on its way;
+    // does nothing when there is one. Errors: the platform's number with "Could not create thread".
     // REQUIRES: the owner outlives the body.
     void Start(ThreadOwner& owner, Ref<Record> argument);
 
@@ -57,6 +59,7 @@ class WorkerThread final : public Record {
     Thread thread_;
     ThreadOwner* owner_ = nullptr;
     Ref<Record> argument_;
+    Ref<Event> begun_ = TryMakeRef<Event>();
     Ref<Event> finished_ = TryMakeRef<Event>();
     std::atomic<bool> isRunning_{false};
     std::uint32_t stopTimeoutMs_ = kWaitForever;
