@@ -39,16 +39,16 @@ void SetErrorText(const wchar_t* description) {
 SharedReceiverServer::SharedReceiverServer()
     : cookie_(Install(*this, COINIT_APARTMENTTHREADED)), elsewhere_([this] {
           const DWORD cookie = Install(*this, COINIT_MULTITHREADED);
-          isKnown_.count_down();
-          isOver_.wait();
+          isKnown_.set_value();
+          isOver_.get_future().wait();
           Remove(cookie);
       }) {
-    isKnown_.wait();
+    isKnown_.get_future().wait();
     restReferences_ = references_;
 }
 
 SharedReceiverServer::~SharedReceiverServer() {
-    isOver_.count_down();
+    isOver_.set_value();
     elsewhere_.join();
     Remove(cookie_);
     EXPECT_EQ(0, references_);

@@ -7,7 +7,7 @@
 #include <wrl/client.h>
 
 #include <atomic>
-#include <latch>
+#include <future>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -98,8 +98,9 @@ class SharedReceiverServer final : public SharedReceiverInterface,
     std::atomic<int> references_ = 0;
     int restReferences_ = 0;  // those of the registrations
     DWORD cookie_ = 0;
-    std::latch isKnown_{1};
-    std::latch isOver_{1};
+    // Not latches: those of mingw miss a wake-up now and then.
+    std::promise<void> isKnown_;
+    std::promise<void> isOver_;
     std::thread elsewhere_;
 };
 
