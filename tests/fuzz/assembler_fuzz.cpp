@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "fuzz/fuzz.h"
+#include "fuzz/reference_assembler.h"
+#include "fuzz/reference_sentence.h"
 #include "nmea/sentence_assembler.h"
-#include "unit/nmea/reference_assembler.h"
-#include "unit/nmea/reference_sentence.h"
 
 namespace kavrel {
 namespace {

@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "fuzz/fuzz.h"
+#include "fuzz/reference_assembler.h"
 #include "parser/port_source.h"
 #include "platform/host/scripted_machine.h"
-#include "unit/nmea/reference_assembler.h"
 #include "unit/nmea/sentence_text.h"
 
 namespace kavrel {
