@@ -3,9 +3,12 @@
 
 #include <thread>
 
+#include "KavrelCE_h.h"
+#include "automation/support/late_call.h"
 #include "automation/support/library.h"
 #include "automation/support/positions.h"
 #include "automation/support/steps.h"
+#include "automation/support/var.h"
 
 using Microsoft::WRL::ComPtr;
 
@@ -27,9 +30,13 @@ TEST_F(ApartmentTest, AnObjectOfAnotherApartmentIsNoProxy) {
             made = object.Get();
             EXPECT_EQ(S_OK,
                       CoMarshalInterThreadInterfaceInStream(IID_IDispatch, object.Get(), &parcel));
+            if (ComPtr<ICustomGrid> grid; SUCCEEDED(object.As(&grid))) {
+                EXPECT_EQ(E_NOINTERFACE, grid->putref_CustomDatum(*Var(5).get()));
+            }
             object.Reset();
             CoUninitialize();
         }).join();
+        EXPECT_FALSE(TakeErrorObject().has_value()) << "the error object belongs to its thread";
         ComPtr<IDispatch> received;
         ASSERT_EQ(S_OK,
                   CoGetInterfaceAndReleaseStream(parcel, IID_PPV_ARGS(received.GetAddressOf())));

@@ -21,38 +21,16 @@
 #include <string>
 #include <vector>
 
-#include "automation/support/data_table.h"
 #include "automation/support/event_recorder.h"
 #include "automation/support/library.h"
 #include "automation/support/steps.h"
+#include "table.h"
 
 using Microsoft::WRL::ComPtr;
 
 namespace kavrel::tests {
 
 namespace {
-
-struct CallTable {
-    std::string rule;
-    std::vector<DataRow> rows;
-};
-
-void PrintTo(const CallTable& table, std::ostream* out) {
-    *out << table.rule;
-}
-
-std::vector<CallTable> CallTablesIn(const std::string& file) {
-    std::vector<CallTable> tables;
-    for (DataRow& row : ReadTable("automation/" + file, '|')) {
-        const std::string& head = row.fields[0];
-        if (head.starts_with('[')) {
-            tables.push_back({head.substr(1, head.size() - 2), {}});
-        } else {
-            tables.at(tables.size() - 1).rows.push_back(std::move(row));
-        }
-    }
-    return tables;
-}
 
 std::wstring WideFromUtf8(const std::string& text) {
     const int size = static_cast<int>(text.size());
@@ -118,14 +96,14 @@ ComPtr<IDispatch> LastObjectOf(const std::string& event, const Vars& arguments) 
     return last;
 }
 
-class CallTest : public AutomationTest, public testing::WithParamInterface<CallTable> {
+class CallTest : public AutomationTest, public testing::WithParamInterface<TableGroup> {
   protected:
     void TearDown() override {
         objects_.clear();
         AutomationTest::TearDown();
     }
 
-    void Run(DataRow row) {
+    void Run(TableRow row) {
         ASSERT_GE(4U, row.fields.size());
         row.fields.resize(4);
         const CallResult call = Make(row);
@@ -144,7 +122,7 @@ class CallTest : public AutomationTest, public testing::WithParamInterface<CallT
     }
 
   private:
-    CallResult Make(const DataRow& row) {
+    CallResult Make(const TableRow& row) {
         const std::string& object = row.fields[0];
         const std::string& member = row.fields[1];
         Vars arguments;
@@ -176,20 +154,21 @@ class CallTest : public AutomationTest, public testing::WithParamInterface<CallT
 
 TEST_P(CallTest, GivesWhatTheTableSays) {
     ASSERT_FALSE(GetParam().rows.empty());
-    for (const DataRow& row : GetParam().rows) {
-        SCOPED_TRACE(row.place);
+    for (const TableRow& row : GetParam().rows) {
+        SCOPED_TRACE(row.where);
         Run(row);
     }
 }
 
-const auto kRule = [](const testing::TestParamInfo<CallTable>& test) { return test.param.rule; };
-INSTANTIATE_TEST_SUITE_P(Sentence, CallTest, testing::ValuesIn(CallTablesIn("sentence.txt")),
-                         kRule);
-INSTANTIATE_TEST_SUITE_P(Results, CallTest, testing::ValuesIn(CallTablesIn("results.txt")), kRule);
-INSTANTIATE_TEST_SUITE_P(Position, CallTest, testing::ValuesIn(CallTablesIn("position.txt")),
-                         kRule);
+INSTANTIATE_TEST_SUITE_P(Sentence, CallTest,
+                         testing::ValuesIn(ReadGroups("automation/sentence.txt")), NameOfGroup);
+INSTANTIATE_TEST_SUITE_P(Results, CallTest, testing::ValuesIn(ReadGroups("automation/results.txt")),
+                         NameOfGroup);
+INSTANTIATE_TEST_SUITE_P(Position, CallTest,
+                         testing::ValuesIn(ReadGroups("automation/position.txt")), NameOfGroup);
 INSTANTIATE_TEST_SUITE_P(CustomObjects, CallTest,
-                         testing::ValuesIn(CallTablesIn("custom_objects.txt")), kRule);
+                         testing::ValuesIn(ReadGroups("automation/custom_objects.txt")),
+                         NameOfGroup);
 
 }  // namespace
 

@@ -14,8 +14,8 @@
 #include <string>
 #include <vector>
 
-#include "automation/support/data_table.h"
 #include "automation/support/positions.h"
+#include "table.h"
 
 using Microsoft::WRL::ComPtr;
 
@@ -46,7 +46,7 @@ double InverseToleranceOf(int grid, double tolerance) {
     return tolerance;
 }
 
-void AddGridPoint(const DataRow& row, Results& results) {
+void AddGridPoint(const TableRow& row, Results& results) {
     ASSERT_EQ(9U, row.fields.size());
     const auto number = [&](size_t i) { return std::stod(row.fields[i]); };
     const int grid = std::stoi(row.fields[0]);
@@ -72,7 +72,7 @@ void AddGridPoint(const DataRow& row, Results& results) {
     const double east = north / std::cos(number(3) * kRadsPerDegree);
     const auto add = [&](IDispatch* position, const wchar_t* member, size_t field, double tolerance,
                          double unitsOfMetre) {
-        results.push_back({row.place + ' ' + Narrow(member), Number(position, member),
+        results.push_back({row.where + ' ' + Narrow(member), Number(position, member),
                            number(field), tolerance * unitsOfMetre, kFlavourMetres * unitsOfMetre});
     };
     add(forward.Get(), L"Easting", 5, number(7), 1);
@@ -81,7 +81,7 @@ void AddGridPoint(const DataRow& row, Results& results) {
     add(inverse.Get(), L"Longitude", 4, back, east);
 }
 
-void AddShift(const DataRow& row, Results& results) {
+void AddShift(const TableRow& row, Results& results) {
     ASSERT_EQ(8U, row.fields.size());
     const auto number = [&](size_t i) { return std::stod(row.fields[i]); };
     const ComPtr<IDispatch> p = NewPosition();
@@ -94,7 +94,7 @@ void AddShift(const DataRow& row, Results& results) {
     const double tolerance = number(4) > 1e6 ? 2e-8 : 5e-9;
     const double north = tolerance / kRadiusMetres;
     const auto add = [&](const char* name, double value, size_t field, double allowed) {
-        results.push_back({row.place + name, value, number(field), allowed, 2 * allowed});
+        results.push_back({row.where + name, value, number(field), allowed, 2 * allowed});
     };
     add(" latitude", Number(p.Get(), L"LatitudeRads"), 5, north);
     add(" longitude", Number(p.Get(), L"LongitudeRads"), 6, north / std::cos(number(5)));
@@ -106,7 +106,7 @@ const Results& AllResults() {
     static const Results results = [] {
         Results made;
         for (const char* file : {"check_values", "grids", "shifts"}) {
-            const auto rows = ReadTable(std::string("geodesy/") + file + ".csv", ',');
+            const auto rows = ReadTable(std::string("geodesy/") + file + ".csv");
             const auto add = std::string(file) == "shifts" ? &AddShift : &AddGridPoint;
             for (size_t i = 1; i < rows.size(); ++i)
                 add(rows[i], made);

@@ -68,6 +68,12 @@ TEST_F(LiveQueryTest, FourKindsAtOnceAndTheLatestHoweverOld) {
     }
 }
 
+TEST_F(LiveQueryTest, OnlyTheWantedTypeEndsTheWait) {
+    port_.StartStream(kRmcLine, 20);
+    ExpectSteps(parser(), {{L"GetGpsFix", {300, 3}, "DISPATCH null"},
+                           {L"GetGpsFix", {kLongMs, 2}, "DISPATCH object"}});
+}
+
 DWORD aheadMs = 0;
 
 DWORD WINAPI LaterTickCount() {

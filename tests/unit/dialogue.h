@@ -16,7 +16,7 @@
 #include <utility>
 
 #include "base/error_slot.h"
-#include "unit/data_table.h"
+#include "table.h"
 
 namespace kavrel {
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "unit/table.h"
+#include "table.h"
 
 namespace kavrel {
 namespace {

@@ -9,7 +9,7 @@
 #include <iterator>
 #include <string>
 
-#include "unit/data_table.h"
+#include "table.h"
 #include "unit/frame/recording_editor.h"
 
 namespace kavrel {
@@ -34,7 +34,7 @@ std::string DoneBy(const std::string& script, ScriptMode mode) {
 }
 
 TEST(RegistrationScript, DoesWhatItSays) {
-    for (const TableRow& row : ReadRows("frame/scripts.txt")) {
+    for (const TableRow& row : ReadTable("frame/scripts.txt")) {
         EXPECT_EQ(DoneBy(row[0], ScriptMode::Register), row[1]) << row.where;
         EXPECT_EQ(DoneBy(row[0], ScriptMode::Unregister), row[2]) << row.where;
     }
@@ -44,7 +44,7 @@ TEST(RegistrationScript, RefusesMalformedScripts) {
     for (const ScriptMode mode : kModes) {
         for (const char* blank : {"", " \r\n\t"})
             EXPECT_EQ(DoneBy(blank, mode), "! malformed");
-        for (const TableRow& row : ReadRows("frame/malformed_scripts.txt")) {
+        for (const TableRow& row : ReadTable("frame/malformed_scripts.txt", '|')) {
             RecordingEditor editor;
             EXPECT_EQ(RunRegistrationScript(row[0], mode, editor), kScriptMalformed) << row.where;
         }

@@ -10,7 +10,7 @@
 #include "geodesy/custom_datum.h"
 #include "geodesy/custom_grid.h"
 #include "geodesy/position.h"
-#include "unit/table.h"
+#include "table.h"
 
 namespace kavrel::test {
 

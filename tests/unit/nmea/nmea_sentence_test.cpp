@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "table.h"
 #include "unit/nmea/sentence_text.h"
-#include "unit/table.h"
 
 namespace kavrel {
 namespace {

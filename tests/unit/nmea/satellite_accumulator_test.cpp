@@ -7,8 +7,8 @@
 #include <string>
 #include <utility>
 
+#include "table.h"
 #include "unit/nmea/sentence_text.h"
-#include "unit/table.h"
 
 namespace kavrel {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "table.h"
 #include "unit/nmea/sentence_text.h"
-#include "unit/table.h"
 
 namespace kavrel {
 namespace {

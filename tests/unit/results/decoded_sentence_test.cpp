@@ -6,8 +6,8 @@
 
 #include "results/movement.h"
 #include "results/rebuilt_sentence.h"
+#include "table.h"
 #include "unit/nmea/sentence_text.h"
-#include "unit/table.h"
 
 namespace kavrel {
 namespace {

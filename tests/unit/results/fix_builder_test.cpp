@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "results/gps_fix.h"
+#include "table.h"
 #include "unit/nmea/sentence_text.h"
-#include "unit/table.h"
 
 namespace kavrel {
 namespace {

@@ -6,7 +6,7 @@
 #include <limits>
 #include <string>
 
-#include "unit/table.h"
+#include "table.h"
 
 namespace kavrel {
 namespace {

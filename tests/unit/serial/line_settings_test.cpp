@@ -5,7 +5,7 @@
 #include <sstream>
 #include <tuple>
 
-#include "unit/data_table.h"
+#include "table.h"
 
 namespace kavrel {
 namespace {
@@ -42,7 +42,7 @@ std::string TextOf(CommState state) {
 
 TEST(LineSettings, ControlBlock) {
     CommState found;
-    for (const TableRow& row : ReadRows("serial/control_block.txt")) {
+    for (const TableRow& row : ReadTable("serial/control_block.txt")) {
         if (row[0] == "found") {
             found = StateOf(row[1]);
             continue;
