@@ -124,7 +124,8 @@ function(kavrel_automation_test name)
   add_test(NAME ${target} COMMAND "${runner}" "${prefix}" "$<TARGET_FILE:${target}>"
     WORKING_DIRECTORY "${CMAKE_BINARY_DIR}")
   kavrel_wine_test_properties(${target} ${flags})
-  set_tests_properties(${target} PROPERTIES LABELS automation)
+  set_tests_properties(${target} PROPERTIES LABELS automation
+    ENVIRONMENT "TEST_PREMATURE_EXIT_FILE=Z:${CMAKE_CURRENT_BINARY_DIR}/${target}.unfinished")
 endfunction()
 
 function(kavrel_script_test file)
