@@ -1,15 +1,3 @@
-# mingw-w64 for 64-bit Windows, with the compilers whose thread support is POSIX (tests use std::thread).
-set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
-set(KAVREL_TRIPLET x86_64-w64-mingw32)
 set(KAVREL_BITS 64)
-
-set(CMAKE_C_COMPILER ${KAVREL_TRIPLET}-gcc-posix)
-set(CMAKE_CXX_COMPILER ${KAVREL_TRIPLET}-g++-posix)
-set(CMAKE_RC_COMPILER ${KAVREL_TRIPLET}-windres)
-set(CMAKE_DLLTOOL ${KAVREL_TRIPLET}-dlltool)
-set(CMAKE_OBJCOPY ${KAVREL_TRIPLET}-objcopy)
-
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+include("${CMAKE_CURRENT_LIST_DIR}/mingw.cmake")

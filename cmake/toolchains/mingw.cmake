@@ -1,0 +1,14 @@
+# mingw-w64 for the KAVREL_BITS and CMAKE_SYSTEM_PROCESSOR of the file that includes this, with the
+# compilers whose thread support is POSIX (tests use std::thread).
+set(CMAKE_SYSTEM_NAME Windows)
+set(KAVREL_TRIPLET ${CMAKE_SYSTEM_PROCESSOR}-w64-mingw32)
+
+set(CMAKE_C_COMPILER ${KAVREL_TRIPLET}-gcc-posix)
+set(CMAKE_CXX_COMPILER ${KAVREL_TRIPLET}-g++-posix)
+set(CMAKE_RC_COMPILER ${KAVREL_TRIPLET}-windres)
+set(CMAKE_DLLTOOL ${KAVREL_TRIPLET}-dlltool)
+set(CMAKE_OBJCOPY ${KAVREL_TRIPLET}-objcopy)
+
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
