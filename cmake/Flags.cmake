@@ -29,10 +29,10 @@ set(coverage --coverage -O0 -fprofile-update=atomic)
 
 if(WIN32)
   # Size before speed, and no probe of large stack frames: the device has neither room nor probe.
-  set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-g -DNDEBUG")
-  set(CMAKE_C_FLAGS_RELWITHDEBINFO "-g -DNDEBUG")
+  set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-DNDEBUG")
+  set(CMAKE_C_FLAGS_RELWITHDEBINFO "-DNDEBUG")
   target_compile_options(kavrel_product INTERFACE
-    -Os -ffunction-sections -fdata-sections -fno-use-cxa-atexit
+    -g -Os -ffunction-sections -fdata-sections -fno-use-cxa-atexit
     -fno-asynchronous-unwind-tables -fno-unwind-tables
     -mno-stack-arg-probe -Wframe-larger-than=2048)
   if(KAVREL_COVERAGE)

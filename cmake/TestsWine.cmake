@@ -3,13 +3,14 @@ set(runWine "${CMAKE_SOURCE_DIR}/tools/run-wine")
 set(runWithPorts "${CMAKE_SOURCE_DIR}/tools/run_with_ports.py")
 set(winePrefix "${CMAKE_BINARY_DIR}/prefix")
 
-# GoogleTest for mingw, from Debian's sources.
+# GoogleTest for mingw, from Debian's sources, with the tests' main program.
 set(googletest /usr/src/googletest)
 if(NOT EXISTS "${googletest}/googletest/src/gtest-all.cc")
   message(FATAL_ERROR "No GoogleTest sources in ${googletest}: run tools/setup")
 endif()
 add_library(kavrel_gtest STATIC
-  "${googletest}/googletest/src/gtest-all.cc" "${googletest}/googlemock/src/gmock-all.cc")
+  "${googletest}/googletest/src/gtest-all.cc" "${googletest}/googlemock/src/gmock-all.cc"
+  "${CMAKE_SOURCE_DIR}/tests/wine_main.cpp")
 target_include_directories(kavrel_gtest SYSTEM PUBLIC
   "${googletest}/googletest/include" "${googletest}/googlemock/include"
   PRIVATE "${googletest}/googletest" "${googletest}/googlemock")
@@ -100,8 +101,12 @@ endfunction()
 function(kavrel_automation_test name)
   cmake_parse_arguments(TEST "REGISTRY;ALONE;WINDOWLESS;UNREGISTERED;SERIAL" "" "LIBS" ${ARGN})
   set(target automation_${name})
-  add_executable(${target} ${TEST_UNPARSED_ARGUMENTS} "${CMAKE_SOURCE_DIR}/tests/wine_main.cpp")
+  add_executable(${target} ${TEST_UNPARSED_ARGUMENTS})
   target_link_libraries(${target} PRIVATE kavrel_wine_test_base kavrel_idl ${TEST_LIBS})
+  target_precompile_headers(${target} REUSE_FROM kavrel_automation_support)
+  # The library's own sources know no more than they include.
+  list(FILTER TEST_UNPARSED_ARGUMENTS INCLUDE REGEX "^/")
+  set_source_files_properties(${TEST_UNPARSED_ARGUMENTS} PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
   add_dependencies(${target} KavrelCE)
   set(prefix "${winePrefix}")
   set(flags "")
