@@ -27,12 +27,19 @@ set(KAVREL_FUZZ_SECONDS 3 CACHE STRING "Seconds that each fuzzer runs as a test"
 
 function(kavrel_fuzz_test name)
   cmake_parse_arguments(FUZZ "" "CORPUS;DICTIONARY" "" ${ARGN})
-  if(NOT KAVREL_SANITIZE MATCHES "address")
+  if(KAVREL_COVERAGE)
+    # Runs inputs that were found elsewhere.
+    list(APPEND FUZZ_UNPARSED_ARGUMENTS replay_main.cpp)
+  elseif(NOT KAVREL_SANITIZE MATCHES "address")
     return()
   endif()
   add_executable(fuzz_${name} ${FUZZ_UNPARSED_ARGUMENTS})
   target_link_libraries(fuzz_${name} PRIVATE kavrel_warnings kavrel_engine)
-  target_compile_options(fuzz_${name} PRIVATE -fno-rtti -fsanitize=fuzzer-no-link)
+  target_compile_options(fuzz_${name} PRIVATE -fno-rtti)
+  if(KAVREL_COVERAGE)
+    return()
+  endif()
+  target_compile_options(fuzz_${name} PRIVATE -fsanitize=fuzzer-no-link)
   target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
   # New inputs go to a folder of the build; the checked-in corpus only seeds the run.
   set(found "${CMAKE_CURRENT_BINARY_DIR}/${name}-corpus")

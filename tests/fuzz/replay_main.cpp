@@ -1,0 +1,21 @@
+// Stands in for libFuzzer where coverage is measured: runs each file of the given folders once.
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <vector>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+
+int main(int argc, char** argv) {
+    for (int i = 1; i < argc; ++i) {
+        for (const auto& entry : std::filesystem::directory_iterator(argv[i])) {
+            std::ifstream file(entry.path(), std::ios::binary);
+            const std::vector<char> input(std::istreambuf_iterator<char>(file), {});
+            LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(input.data()),
+                                   input.size());
+        }
+    }
+    return 0;
+}
