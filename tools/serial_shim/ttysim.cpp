@@ -50,6 +50,10 @@ bool IsServer() {
     return std::strncmp(program_invocation_short_name, "wineserver", 10) == 0;
 }
 
+// A port is nobody's terminal. Wine's server, which has none, would take the first port that it opens
+// for its own, and be hung up when that goes away.
+constexpr int kNobodysTerminal = O_NOCTTY;
+
 // Passes the opened file on when nobody else has the port.
 int Claim(int file) {
     if (file < 0 || !IsServer() || ttysim::StateOf(file) == nullptr) return file;
@@ -124,7 +128,7 @@ int open(const char* path, int flags, ...) {
     va_start(more, flags);
     const auto mode = va_arg(more, mode_t);
     va_end(more);
-    return Claim(Hidden(hiddenOpen, "open")(path, flags, mode));
+    return Claim(Hidden(hiddenOpen, "open")(path, flags | kNobodysTerminal, mode));
 }
 
 int open64(const char* path, int flags, ...) {
@@ -132,7 +136,7 @@ int open64(const char* path, int flags, ...) {
     va_start(more, flags);
     const auto mode = va_arg(more, mode_t);
     va_end(more);
-    return Claim(Hidden(hiddenOpen64, "open64")(path, flags, mode));
+    return Claim(Hidden(hiddenOpen64, "open64")(path, flags | kNobodysTerminal, mode));
 }
 
 int close(int file) {
