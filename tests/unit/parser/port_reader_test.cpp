@@ -7,6 +7,7 @@
 #include <functional>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "base/locked_queue.h"
@@ -98,16 +99,18 @@ class PortReaderTest : public testing::Test {
 };
 
 TEST_F(PortReaderTest, FindsAReceiverAmongPorts) {
-    for (const char16_t port : {u'2', u'3', u'4', u'5'})
+    for (const char16_t port : {u'1', u'2', u'3', u'4', u'5'})
         List(port);
-    machine_.Port(2);  // 3 is listed, but cannot be opened
+    machine_.Port(1).FailCall(CommCall::Read, 1, 21);
+    machine_.Port(2);
+    machine_.Port(3).FailCall(CommCall::Open, 1, 5);
     machine_.Port(5);
     Connect(4, 38400);
     Enable(kAnything);
     log_.Await("valid 4@38400");
-    EXPECT_THAT(log_.taken, ElementsAre("try 2@4800", "try 2@9600", "try 2@38400", "try 2@19200",
-                                        "try 2@57600", "try 2@115200", "try 4@4800", "try 4@9600",
-                                        "try 4@38400", "valid 4@38400"));
+    EXPECT_THAT(log_.taken, ElementsAre("try 1@4800", "try 2@4800", "try 2@9600", "try 2@38400",
+                                        "try 2@19200", "try 2@57600", "try 2@115200", "try 4@4800",
+                                        "try 4@9600", "try 4@38400", "valid 4@38400"));
     log_.Await(Sentence("PKVRL,1"));
     reader_.Disable();
     EXPECT_FALSE(machine_.Port(4).isOpen());
@@ -140,6 +143,27 @@ TEST_F(PortReaderTest, StartsOverWhenTheFoundPortFails) {
     reader_.Disable();
 }
 
+// However soon a port fails, what was heard before is told before.
+TEST_F(PortReaderTest, DeliversWhatWasHeardBeforeAFailure) {
+    List(u'2');
+    ScriptedCommDevice& port = machine_.Port(2);
+    for (const std::int32_t comPort : {2, kSearchForPort}) {
+        const int failingRead = port.CallCount(CommCall::Read) + 2;
+        port.FailCall(CommCall::Read, 2, 21);
+        log_.onTry = [&, isFirst = true](const PortChoice&) mutable {
+            if (!std::exchange(isFirst, false)) return;
+            port.Feed(Line("PKVRL,1") + Line("PKVRL,2") + std::string(256, ' '));
+            port.WaitForCalls(CommCall::Read, failingRead);
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        };
+        Enable({comPort, 4800});
+        log_.Await("ended");
+        EXPECT_THAT(log_.taken, ElementsAre("try 2@4800", "valid 2@4800", Sentence("PKVRL,1"),
+                                            Sentence("PKVRL,2"), "ended"));
+        reader_.Disable();
+    }
+}
+
 // What is still in the port's buffer when the rate changes was heard at the old rate.
 TEST_F(PortReaderTest, ForgetsWhatWasHeardAtAnotherRate) {
     List(u'2');
@@ -160,8 +184,13 @@ TEST_F(PortReaderTest, ForgetsWhatWasHeardAtAnotherRate) {
 
 // A search that finds nothing goes on until it is told to stop, whatever there is to try.
 TEST_F(PortReaderTest, SearchesUntilDisabled) {
+    using std::chrono::steady_clock;
+    const steady_clock::time_point start = steady_clock::now();
     Enable(kAnything);
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
     reader_.Disable();
+    const std::size_t tries = (steady_clock::now() - start) / std::chrono::milliseconds(kTryMs);
+    EXPECT_LE(machine_.memoryRegistry().CallCount(), 3 + tries) << "at its usual pace";
     List(u'2');
     machine_.Port(2);
     for (int i = 0; i < 5; ++i) {
