@@ -82,7 +82,6 @@ void PortSource::End() {
     port_.Reset();
     shared_.Reset();
     plan_.reset();
-    next_.reset();
     Forget();
 }
 

@@ -27,7 +27,10 @@ constexpr std::uint32_t kTryMs = 100;
 // Writes down what the reader tells, and lets a test wait for it.
 class ReaderLog final : public PortReader::Listener {
   public:
-    void OnSentence(Ref<NmeaSentence> sentence) override { Add(std::string(sentence->Text())); }
+    void OnSentence(Ref<NmeaSentence> sentence) override {
+        if (onSentence) onSentence();
+        Add(std::string(sentence->Text()));
+    }
     void OnDataRead() override {}
     void OnSettingsChanged(const PortChoice& current) override {
         if (onTry) onTry(current);
@@ -55,6 +58,7 @@ class ReaderLog final : public PortReader::Listener {
 
     // On the reader's thread.
     std::function<void(const PortChoice&)> onTry;
+    std::function<void()> onSentence;
     std::vector<std::string> taken;
 
   private:
@@ -129,6 +133,12 @@ TEST_F(PortReaderTest, KeepsToWhatIsGiven) {
     Enable({kSearchForPort, 57600});
     log_.Await("valid 6@57600");
     EXPECT_THAT(log_.taken, ElementsAre("try 2@57600", "try 6@57600", "valid 6@57600"));
+    reader_.Disable();
+
+    // Only a search wants a checksum.
+    log_.onTry = [this](const PortChoice&) { machine_.Port(6).Feed("$PKVRL,1\r\n"); };
+    Enable({6, 57600});
+    log_.Await("valid 6@57600");
     reader_.Disable();
 }
 
@@ -226,6 +236,16 @@ TEST_F(PortReaderTest, ReadsFromTheSharedReceiver) {
     }
 }
 
+TEST_F(PortReaderTest, IsDisabledThoughSentencesNeverEnd) {
+    shared_.create = {};
+    Enable({kSharedReceiverOnly, 4800});
+    log_.onSentence = [this] { shared_.listener->OnText(Line("PKVRL,1")); };
+    shared_.listener->OnText(Line("PKVRL,0"));
+    log_.Await(Sentence("PKVRL,1"));
+    reader_.Disable();
+    EXPECT_EQ(shared_.listener, nullptr);
+}
+
 TEST_F(PortReaderTest, SearchesOnceTheSharedReceiverCloses) {
     shared_.create = {};
     List(u'2');
@@ -235,7 +255,10 @@ TEST_F(PortReaderTest, SearchesOnceTheSharedReceiverCloses) {
         log_.Await("try -1@0");
         shared_.listener->OnClosed();
         log_.Await("ended");
-        if (isSearch) log_.Await("valid 2@4800");
+        if (isSearch) {
+            log_.Await("valid 2@4800");
+            EXPECT_EQ(shared_.listener, nullptr);
+        }
         EXPECT_EQ(TimesOpened(2), isSearch ? 1 : 0);
         reader_.Disable();
     }
