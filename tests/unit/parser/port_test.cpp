@@ -42,8 +42,9 @@ TEST_F(PortTest, ServesQueriesOnTheReaderThread) {
 
 TEST_F(PortTest, MayRaiseEventsOnTheReaderThread) {
     parser_->SetDirectDelivery(true);
+    parser_->SetChecksumMandatory(true);
     Enable();
-    port_.Feed(Line(kGga));
+    port_.Feed("$PKVRL,1\r\n" + Line(kGga));
     while (!parser_->GetComStatus()->ValidFix())
         std::this_thread::yield();
     Enable(false);
