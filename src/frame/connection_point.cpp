@@ -90,32 +90,24 @@ STDMETHODIMP ConnectionPoint::Advise(IUnknown* sink, DWORD* cookie) {
         FAILED(sink->QueryInterface(IID_IDispatch, dispatch.ReceiveVoid()))) {
         return CONNECT_E_CANNOTCONNECT;
     }
-    bool isFirst;
-    {
-        const LockScope lock(lock_);
-        isFirst = connections_.empty();
-        if (++lastCookie_ == 0) ++lastCookie_;  // 0 is nobody's
-        *cookie = lastCookie_;
-        connections_.push_back({*cookie, std::move(dispatch)});
-    }
-    if (isFirst) listener_.OnSinksChanged(true);
+    const LockScope lock(lock_);
+    if (++lastCookie_ == 0) ++lastCookie_;  // 0 is nobody's
+    *cookie = lastCookie_;
+    connections_.push_back({*cookie, std::move(dispatch)});
+    if (connections_.size() == 1) listener_.OnSinksChanged(true);
     return S_OK;
 }
 
 STDMETHODIMP ConnectionPoint::Unadvise(DWORD cookie) {
     ComRef<IDispatch> dropped;  // released when no lock is held
-    bool wasLast;
-    {
-        const LockScope lock(lock_);
-        auto at = connections_.begin();
-        while (at != connections_.end() && at->cookie != cookie)
-            ++at;
-        if (at == connections_.end()) return CONNECT_E_NOCONNECTION;
-        dropped = std::move(at->sink);
-        connections_.erase(at);
-        wasLast = connections_.empty();
-    }
-    if (wasLast) listener_.OnSinksChanged(false);
+    const LockScope lock(lock_);
+    auto at = connections_.begin();
+    while (at != connections_.end() && at->cookie != cookie)
+        ++at;
+    if (at == connections_.end()) return CONNECT_E_NOCONNECTION;
+    dropped = std::move(at->sink);
+    connections_.erase(at);
+    if (connections_.empty()) listener_.OnSinksChanged(false);
     return S_OK;
 }
 

@@ -18,7 +18,8 @@ namespace kavrel {
 
 class ConnectionPoint final : public IConnectionPoint {
   public:
-    // What the owner wants to know: that its first sink came or its last sink went.
+    // What the owner wants to know: that its first sink came or its last sink went. It is told
+    // under the lock, so that it hears of both in their order, and calls no sink.
     class Listener {
       public:
         virtual void OnSinksChanged(bool hasSinks) = 0;

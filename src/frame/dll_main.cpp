@@ -20,9 +20,9 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* reserved)
         case DLL_PROCESS_DETACH:
             // When the whole process ends, other DLLs may be gone already, and threads that still
             // held the lock.
-            ReleaseClassObjects();
             if (reserved != nullptr) break;
             ForgetFormSyncWindows();
+            ReleaseClassObjects();
             ReleaseTypeLibrary();
             libraryLock.Destroy();
             break;

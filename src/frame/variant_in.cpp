@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "platform/win32/readable_variant.h"
+
 namespace kavrel {
 namespace {
 
@@ -16,16 +18,6 @@ static_assert(sizeof(VARIANT_BOOL) == 2 && sizeof(OLECHAR) == 2);
 const VARIANT& Referenced(const VARIANT& argument) {
     const bool isReference = V_VT(&argument) == (VT_BYREF | VT_VARIANT);
     return isReference && V_VARIANTREF(&argument) != nullptr ? *V_VARIANTREF(&argument) : argument;
-}
-
-// False for variants that point nowhere, or to a variant that is a reference itself and may: the
-// platform's coercion would follow them.
-bool IsReadable(const VARIANT& value) {
-    const VARTYPE type = V_VT(&value);
-    if (type == (VT_BYREF | VT_VARIANT)) return false;
-    const bool isPointer =
-        (type & (VT_BYREF | VT_ARRAY)) != 0 || type == VT_DISPATCH || type == VT_UNKNOWN;
-    return !isPointer || V_BYREF(&value) != nullptr;
 }
 
 // The argument as a variant of the wanted type, or of type VT_EMPTY with all bytes 0.

@@ -52,7 +52,6 @@ void NmeaParser::ShutDown() {
 void NmeaParser::StartAfresh() {
     fixBuilder_.Clear();
     accumulator_.Clear();
-    wasGsa_ = false;
     const LibraryLockScope lock;
     comStatus_.ForgetNmea();
 }
@@ -71,8 +70,8 @@ void NmeaParser::HandOverToClient(std::uint32_t selector, Ref<Record> argument) 
 
 void NmeaParser::OnHandOver(std::uint32_t selector, Ref<Record> argument) {
     // What was on its way before the client chose to ask instead of being told: the reader thread
-    // dispatches now, and nothing would be raised anyway.
-    if (noEvents_) return;
+    // dispatches now.
+    if (noEvents_ && isPortEnabled_) return;
     if (selector == SourceEndedSelector) {
         DispatchComStatus(nullptr);
     } else {

@@ -82,7 +82,6 @@ void PortSource::End() {
     port_.Reset();
     shared_.Reset();
     plan_.reset();
-    next_.reset();
     Forget();
 }
 
@@ -175,6 +174,11 @@ void PortSource::Try(const PortChoice& candidate) {
 }
 
 bool PortSource::OnFailed() {
+    if (first_) {
+        // Heard just before the failure, and not told yet.
+        failed_->Signal();
+        return false;
+    }
     const bool hasBeenHeard = isValidNmeaSeen_ || !plan_.has_value();
     if (plan_.has_value() && !isValidNmeaSeen_) {
         // A port that fails while it is tried is not worth listening to.

@@ -155,6 +155,12 @@ TEST_F(ConnectionTest, ParserTellsItsEventInterface) {
     ComPtr<IConnectionPointContainer> owner;
     EXPECT_EQ(S_OK, point()->GetConnectionPointContainer(&owner));
     EXPECT_EQ(container().Get(), owner.Get());
+    // Managed hosts go by the identity of what they are given.
+    ComPtr<IUnknown> identity;
+    ASSERT_EQ(S_OK, point().As(&identity));
+    ComPtr<IConnectionPoint> back;
+    ASSERT_EQ(S_OK, identity.As(&back));
+    EXPECT_EQ(point().Get(), back.Get());
     void* none = &none;
     EXPECT_EQ(E_NOINTERFACE, point()->QueryInterface(IID_IDispatch, &none));
     EXPECT_EQ(nullptr, none);

@@ -163,7 +163,9 @@ TEST_F(LiveEventTest, OneHiddenWindowEachOfOneClass) {
     GetWindowRect(windows[0], &place);
     EXPECT_EQ(100, place.right - place.left);
     EXPECT_EQ(100, place.bottom - place.top);
-    second.Reset();
+    // A window goes on its own thread, whoever released the parser.
+    std::thread([&second] { second.Reset(); }).join();
+    DispatchFor(20);
     EXPECT_EQ(1U, HiddenWindows().size());
     parser_.Reset();
     EXPECT_EQ(0U, HiddenWindows().size());

@@ -74,19 +74,18 @@ TEST_F(PositionTest, DmsIntoVariants) {
 
 TEST_F(PositionTest, DmsIntoTypedVariables) {
     const ComPtr<IDispatch> p = PositionAt(-10.51, -18.05);
-    LONG degrees = 0;
-    BSTR minutes = nullptr;
+    SHORT degrees = 0;
+    LONG minutes = 0;
     float seconds = 0;
     BSTR hemisphere = SysAllocString(L"what was in it before is freed");
     ExpectSteps(p.Get(), {{L"LatitudeDMS",
-                           {RefTo(VT_I4, degrees), RefTo(VT_BSTR, minutes), RefTo(VT_R4, seconds),
+                           {RefTo(VT_I2, degrees), RefTo(VT_I4, minutes), RefTo(VT_R4, seconds),
                             RefTo(VT_BSTR, hemisphere)},
                            ""}});
     EXPECT_EQ(10, degrees);
-    EXPECT_STREQ(L"30", minutes);
+    EXPECT_EQ(30, minutes);
     EXPECT_EQ(36.0F, seconds);
     EXPECT_STREQ(L"S", hemisphere);
-    SysFreeString(minutes);
     SysFreeString(hemisphere);
 }
 

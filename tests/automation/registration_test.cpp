@@ -13,6 +13,7 @@
 #include <string>
 
 #include "KavrelCE_h.h"
+#include "automation/support/import_hook.h"
 #include "automation/support/registration_fixture.h"
 #include "automation/support/steps.h"
 
@@ -145,6 +146,18 @@ TEST_F(RegistrationTest, WritesExactlyItsKeys) {
     Snapshot library;
     Collect("TypeLib\\" + Text(LIBID_KavrelCE) + "\\1.0\\HELPDIR", library);
     EXPECT_EQ(ModulePath().substr(0, ModulePath().rfind('\\')), library.begin()->second);
+}
+
+HRESULT WINAPI LoadFromBeside(const OLECHAR* path, ITypeLib** library) {
+    std::wstring text(path);
+    if (!text.ends_with(L".tlb")) return TYPE_E_CANTLOADLIBRARY;
+    return LoadTypeLib(text.replace(text.size() - 4, 4, L".dll").c_str(), library);
+}
+
+TEST_F(RegistrationTest, TypeLibraryMayStandBesideTheModule) {
+    const ImportHook hook("LoadTypeLib", LoadFromBeside);
+    EXPECT_EQ(S_OK, RegisterServer());
+    EXPECT_EQ(ModulePath().replace(ModulePath().rfind('.'), 4, ".tlb"), TypeLibraryPath());
 }
 
 // Only a count of exactly 1, as a number, means that nobody else needs the library.

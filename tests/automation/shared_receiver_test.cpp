@@ -12,6 +12,7 @@
 #include "automation/support/var.h"
 #include "base/library_lock.h"
 #include "platform/win32/shared_receiver_ids.h"
+#include "platform/win32/shared_receiver_sink.h"
 #include "serial/shared_receiver_source.h"
 
 namespace kavrel::tests {
@@ -142,6 +143,29 @@ TEST_F(SharedReceiverTest, AProductWithoutTheEventsStillStarts) {
     EXPECT_TRUE(source->Start());
     EXPECT_EQ(static_cast<std::int32_t>(0x80040200), source->lastResult());
     EXPECT_TRUE(source->CallMethod6(1)) << Error(*source);
+}
+
+// Products may look at a sink before they call it.
+TEST_F(SharedReceiverTest, ASinkIsOfferedAsTheEventsAndDescribesNothing) {
+    struct Nobody final : SharedReceiverListener {
+        void OnText(std::string_view) override {}
+        void OnClosed() override {}
+    } nobody;
+    IDispatch* const sink = new SharedReceiverSink(nobody);
+    for (const IID* id : {&IID_IUnknown, &IID_IDispatch, &kSharedReceiverEvents}) {
+        void* found = nullptr;
+        EXPECT_EQ(S_OK, sink->QueryInterface(*id, &found));
+        EXPECT_EQ(sink, found);
+        sink->Release();
+    }
+    EXPECT_EQ(E_POINTER, sink->QueryInterface(IID_IUnknown, nullptr));
+    UINT count = 1;
+    EXPECT_EQ(S_OK, sink->GetTypeInfoCount(&count));
+    EXPECT_EQ(0U, count);
+    EXPECT_EQ(E_POINTER, sink->GetTypeInfoCount(nullptr));
+    EXPECT_EQ(E_NOTIMPL, sink->GetTypeInfo(0, 0, nullptr));
+    EXPECT_EQ(DISP_E_UNKNOWNNAME, sink->GetIDsOfNames(IID_NULL, nullptr, 0, 0, nullptr));
+    EXPECT_EQ(0U, sink->Release());
 }
 
 // The product may hold a sink that was disconnected, and raise events at it; the source is gone.

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <string>
 
+#include "platform/win32/readable_variant.h"
 #include "platform/win32/shared_receiver_ids.h"
 
 namespace kavrel {
@@ -20,15 +21,6 @@ VARIANT* ValueIn(const DISPPARAMS* parameters) {
 bool IsAbsent(const VARIANT* value) {
     if (value == nullptr || V_VT(value) == VT_NULL) return true;
     return V_VT(value) == VT_ERROR && V_ERROR(value) == DISP_E_PARAMNOTFOUND;
-}
-
-// False for what the platform's conversion would follow to nowhere, or in a circle.
-bool IsReadable(const VARIANT& value) {
-    const VARTYPE type = V_VT(&value);
-    if (type == (VT_BYREF | VT_VARIANT)) return false;
-    const bool isPointer =
-        (type & (VT_BYREF | VT_ARRAY)) != 0 || type == VT_DISPATCH || type == VT_UNKNOWN;
-    return !isPointer || V_BYREF(&value) != nullptr;
 }
 
 // Each character cut to 8 bits; empty when the value is no text and cannot become one.

@@ -13,15 +13,19 @@ namespace {
 
 using DispatchTest = ReceiverTest;
 
-// What a callback feeds is dispatched inside it, behind what waited before.
+// What a callback feeds is dispatched inside it, behind what waited before. What it fails to do is
+// its own error.
 TEST_F(DispatchTest, CallbacksMayParse) {
     log_.act = [this](ParserEvent, Record& object) {
         if (static_cast<NmeaSentence&>(object).Command() == "VRA")
             parser_->Parse(Line("PKVRC,inner") + "$PKV");
+        parser_->SetGpsDatum(0);
+        EXPECT_TRUE(parser_->error().IsSet());
     };
     parser_->Parse(Line("PKVRA,1") + Line("PKVRB,2"));
     parser_->Parse("RD,3\r\n");
     EXPECT_EQ(log_.Take(), "Generic:VRA Generic:VRB Generic:VRC Generic:VRD");
+    EXPECT_FALSE(parser_->error().IsSet());
 }
 
 TEST_F(DispatchTest, CallbacksMayReplaceTheSink) {

@@ -7,6 +7,7 @@
 #include <functional>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "base/locked_queue.h"
@@ -26,7 +27,10 @@ constexpr std::uint32_t kTryMs = 100;
 // Writes down what the reader tells, and lets a test wait for it.
 class ReaderLog final : public PortReader::Listener {
   public:
-    void OnSentence(Ref<NmeaSentence> sentence) override { Add(std::string(sentence->Text())); }
+    void OnSentence(Ref<NmeaSentence> sentence) override {
+        if (onSentence) onSentence();
+        Add(std::string(sentence->Text()));
+    }
     void OnDataRead() override {}
     void OnSettingsChanged(const PortChoice& current) override {
         if (onTry) onTry(current);
@@ -54,6 +58,7 @@ class ReaderLog final : public PortReader::Listener {
 
     // On the reader's thread.
     std::function<void(const PortChoice&)> onTry;
+    std::function<void()> onSentence;
     std::vector<std::string> taken;
 
   private:
@@ -98,16 +103,18 @@ class PortReaderTest : public testing::Test {
 };
 
 TEST_F(PortReaderTest, FindsAReceiverAmongPorts) {
-    for (const char16_t port : {u'2', u'3', u'4', u'5'})
+    for (const char16_t port : {u'1', u'2', u'3', u'4', u'5'})
         List(port);
-    machine_.Port(2);  // 3 is listed, but cannot be opened
+    machine_.Port(1).FailCall(CommCall::Read, 1, 21);
+    machine_.Port(2);
+    machine_.Port(3).FailCall(CommCall::Open, 1, 5);
     machine_.Port(5);
     Connect(4, 38400);
     Enable(kAnything);
     log_.Await("valid 4@38400");
-    EXPECT_THAT(log_.taken, ElementsAre("try 2@4800", "try 2@9600", "try 2@38400", "try 2@19200",
-                                        "try 2@57600", "try 2@115200", "try 4@4800", "try 4@9600",
-                                        "try 4@38400", "valid 4@38400"));
+    EXPECT_THAT(log_.taken, ElementsAre("try 1@4800", "try 2@4800", "try 2@9600", "try 2@38400",
+                                        "try 2@19200", "try 2@57600", "try 2@115200", "try 4@4800",
+                                        "try 4@9600", "try 4@38400", "valid 4@38400"));
     log_.Await(Sentence("PKVRL,1"));
     reader_.Disable();
     EXPECT_FALSE(machine_.Port(4).isOpen());
@@ -127,6 +134,12 @@ TEST_F(PortReaderTest, KeepsToWhatIsGiven) {
     log_.Await("valid 6@57600");
     EXPECT_THAT(log_.taken, ElementsAre("try 2@57600", "try 6@57600", "valid 6@57600"));
     reader_.Disable();
+
+    // Only a search wants a checksum.
+    log_.onTry = [this](const PortChoice&) { machine_.Port(6).Feed("$PKVRL,1\r\n"); };
+    Enable({6, 57600});
+    log_.Await("valid 6@57600");
+    reader_.Disable();
 }
 
 TEST_F(PortReaderTest, StartsOverWhenTheFoundPortFails) {
@@ -138,6 +151,27 @@ TEST_F(PortReaderTest, StartsOverWhenTheFoundPortFails) {
     log_.Await("ended");
     log_.Await("valid 2@4800");
     reader_.Disable();
+}
+
+// However soon a port fails, what was heard before is told before.
+TEST_F(PortReaderTest, DeliversWhatWasHeardBeforeAFailure) {
+    List(u'2');
+    ScriptedCommDevice& port = machine_.Port(2);
+    for (const std::int32_t comPort : {2, kSearchForPort}) {
+        const int failingRead = port.CallCount(CommCall::Read) + 2;
+        port.FailCall(CommCall::Read, 2, 21);
+        log_.onTry = [&, isFirst = true](const PortChoice&) mutable {
+            if (!std::exchange(isFirst, false)) return;
+            port.Feed(Line("PKVRL,1") + Line("PKVRL,2") + std::string(256, ' '));
+            port.WaitForCalls(CommCall::Read, failingRead);
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        };
+        Enable({comPort, 4800});
+        log_.Await("ended");
+        EXPECT_THAT(log_.taken, ElementsAre("try 2@4800", "valid 2@4800", Sentence("PKVRL,1"),
+                                            Sentence("PKVRL,2"), "ended"));
+        reader_.Disable();
+    }
 }
 
 // What is still in the port's buffer when the rate changes was heard at the old rate.
@@ -160,8 +194,13 @@ TEST_F(PortReaderTest, ForgetsWhatWasHeardAtAnotherRate) {
 
 // A search that finds nothing goes on until it is told to stop, whatever there is to try.
 TEST_F(PortReaderTest, SearchesUntilDisabled) {
+    using std::chrono::steady_clock;
+    const steady_clock::time_point start = steady_clock::now();
     Enable(kAnything);
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
     reader_.Disable();
+    const std::size_t tries = (steady_clock::now() - start) / std::chrono::milliseconds(kTryMs);
+    EXPECT_LE(machine_.memoryRegistry().CallCount(), 3 + tries) << "at its usual pace";
     List(u'2');
     machine_.Port(2);
     for (int i = 0; i < 5; ++i) {
@@ -197,6 +236,16 @@ TEST_F(PortReaderTest, ReadsFromTheSharedReceiver) {
     }
 }
 
+TEST_F(PortReaderTest, IsDisabledThoughSentencesNeverEnd) {
+    shared_.create = {};
+    Enable({kSharedReceiverOnly, 4800});
+    log_.onSentence = [this] { shared_.listener->OnText(Line("PKVRL,1")); };
+    shared_.listener->OnText(Line("PKVRL,0"));
+    log_.Await(Sentence("PKVRL,1"));
+    reader_.Disable();
+    EXPECT_EQ(shared_.listener, nullptr);
+}
+
 TEST_F(PortReaderTest, SearchesOnceTheSharedReceiverCloses) {
     shared_.create = {};
     List(u'2');
@@ -206,7 +255,10 @@ TEST_F(PortReaderTest, SearchesOnceTheSharedReceiverCloses) {
         log_.Await("try -1@0");
         shared_.listener->OnClosed();
         log_.Await("ended");
-        if (isSearch) log_.Await("valid 2@4800");
+        if (isSearch) {
+            log_.Await("valid 2@4800");
+            EXPECT_EQ(shared_.listener, nullptr);
+        }
         EXPECT_EQ(TimesOpened(2), isSearch ? 1 : 0);
         reader_.Disable();
     }

@@ -40,6 +40,18 @@ TEST_F(PortTest, ServesQueriesOnTheReaderThread) {
     EXPECT_EQ(machine_.messages().Waiting(), 0U);
 }
 
+TEST_F(PortTest, MayRaiseEventsOnTheReaderThread) {
+    parser_->SetDirectDelivery(true);
+    parser_->SetChecksumMandatory(true);
+    Enable();
+    port_.Feed("$PKVRL,1\r\n" + Line(kGga));
+    while (!parser_->GetComStatus()->ValidFix())
+        std::this_thread::yield();
+    Enable(false);
+    EXPECT_EQ(log_.Take(), "Status- Status- GGA+ Status+ Fix3@120000 Generic:GGA");
+    EXPECT_EQ(machine_.messages().Waiting(), 0U);
+}
+
 TEST_F(PortTest, WritesUnchangedBytes) {
     std::vector<std::uint8_t> bytes;
     for (int i = 0; i < 256; ++i)
@@ -62,14 +74,21 @@ TEST_F(PortTest, DropsWhatIsOnItsWayOnceItsClientIsGone) {
     EXPECT_EQ(log_.Take(), "");
 }
 
-TEST_F(PortTest, DropsWhatIsOnItsWayOnceTheClientAsksInstead) {
-    Enable();
-    HearWithoutHandling(kGga);
-    Enable(false);
-    parser_->SetNoEvents(true);
-    machine_.messages().HandleAll();
-    EXPECT_EQ(log_.Take(), "");
-    EXPECT_FALSE(parser_->GetGpsFix(0, 0));
+// What is on its way when the client begins to ask instead: it counts, unless the reader thread
+// dispatches meanwhile.
+TEST_F(PortTest, RaisesNothingOnceTheClientAsksInstead) {
+    for (const bool isEnabledAgain : {true, false}) {
+        parser_->SetNoEvents(false);
+        Enable();
+        HearWithoutHandling(kGga);
+        Enable(false);
+        parser_->SetNoEvents(true);
+        Enable(isEnabledAgain);
+        machine_.messages().HandleAll();
+        EXPECT_EQ(log_.Take(), "");
+        EXPECT_NE(static_cast<bool>(parser_->GetGpsFix(0, 0)), isEnabledAgain);
+        Enable(false);
+    }
 }
 
 // What a client may do inside an event: end it all, or only the reading.
@@ -116,6 +135,7 @@ TEST_F(PortTest, DropsWhatTheMessageQueueDoesNotTake) {
     Enable(false);
     machine_.messages().HandleAll();
     EXPECT_EQ(log_.Take(), "Status- Status-");
+    EXPECT_TRUE(parser_.IsOnly()) << "what was refused is gone";
     machine_.messages().SetLimit(1000);
     Enable();
     port_.Feed(Line("PKVRL,last"));

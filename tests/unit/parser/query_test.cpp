@@ -71,7 +71,12 @@ TEST(ComStatusTracker, FixesExpire) {
     EXPECT_FALSE(tracker.values().hasValidFix);
     EXPECT_FALSE(tracker.ExpireFix(kStart + 20000));
     EXPECT_TRUE(tracker.NoteFix(true, 0));  // a tick of 0 is a tick
-    EXPECT_TRUE(tracker.ExpireFix(5000));
+    EXPECT_TRUE(tracker.NoteFix(false, 1000));
+    EXPECT_FALSE(tracker.ExpireFix(4999));
+    EXPECT_TRUE(tracker.ExpireFix(5000)) << "lost meanwhile or not";
+    EXPECT_TRUE(tracker.NoteFix(true, 0));
+    tracker.ForgetSource();
+    EXPECT_FALSE(tracker.ExpireFix(5000));
 }
 
 }  // namespace
