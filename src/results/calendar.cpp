@@ -7,6 +7,7 @@ namespace {
 
 constexpr std::int32_t kFirstYear = 1601;
 constexpr std::int32_t kLastFileTimeYear = 30827;
+constexpr std::int32_t kFirstDateYear = 1900;  // before day 0, dates would count backwards
 constexpr std::int32_t kLastDateYear = 9999;
 
 constexpr std::int32_t kDaysPer400Years = 146097;
@@ -39,7 +40,7 @@ bool Exists(const CalendarTime& time) {
 // Whether a date value has room for it, be it one too many days or seconds.
 bool HasDateValue(const CalendarTime& time) {
     constexpr std::int32_t kTwoDigits = 99;
-    return IsWithin(time.year, kFirstYear, kLastDateYear) && IsWithin(time.month, 1, 12) &&
+    return IsWithin(time.year, kFirstDateYear, kLastDateYear) && IsWithin(time.month, 1, 12) &&
            IsWithin(time.day, 0, 31) && IsWithin(time.hour, 0, kTwoDigits) &&
            IsWithin(time.minute, 0, kTwoDigits) && IsWithin(time.second, 0, kTwoDigits);
 }
@@ -105,9 +106,7 @@ std::optional<CalendarTime> FromFileTime(FileTime fileTime) {
 std::optional<double> ToDateValue(const CalendarTime& time) {
     if (!HasDateValue(time)) return std::nullopt;
     const double days = DaysSince1601(time) + kDateValueOf1601;
-    const double fraction = static_cast<double>(SecondOfDay(time)) / kSecondsPerDay;
-    // Dates before day 0 count backwards in days but forwards within a day.
-    return days < 0 ? days - fraction : days + fraction;
+    return days + static_cast<double>(SecondOfDay(time)) / kSecondsPerDay;
 }
 
 }  // namespace kavrel
