@@ -63,7 +63,7 @@ class NmeaTime {
 
     bool HasDate() const { return time_.year != 0; }
 
-    bool operator==(const NmeaTime& other) const;
+    bool operator==(const NmeaTime&) const = default;
 
   private:
     void ReadDate(std::string_view field);
