@@ -124,10 +124,6 @@ class DigitWriter {
     std::array<char, 48>::iterator at_ = buffer_.end();
 };
 
-}  // namespace
-
-namespace {
-
 // Adds the digits that stand at `at`, and returns what stands behind them.
 const char* TakeDigits(const char* at, const char* end, std::uint64_t& value) {
     for (; at != end && IsDigit(*at); ++at)

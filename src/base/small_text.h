@@ -21,16 +21,12 @@ class SmallText {
     std::string_view view() const { return {data_, size_}; }
     const char* data() const { return data_; }
 
-    void Assign(std::string_view text) { std::copy(text.begin(), text.end(), Resize(text.size())); }
-
-    void Clear() { Resize(0); }
-
-    // Makes room for `size` characters and returns where they go. What was there is lost.
-    char* Resize(std::size_t size) {
-        large_.reset(size > Inline ? new char[size] : nullptr);
-        size_ = size;
-        data_ = size > Inline ? large_.get() : inline_.data();
-        return data_;
+    // REQUIRES: `text` is not of this one.
+    void Assign(std::string_view text) {
+        size_ = text.size();
+        large_.reset(size_ > Inline ? new char[size_] : nullptr);
+        data_ = size_ > Inline ? large_.get() : inline_.data();
+        std::copy(text.begin(), text.end(), data_);
     }
 
   private:

@@ -13,4 +13,3 @@
 #define KAVREL_ACQUIRE(...) KAVREL_THREAD_ANNOTATION(acquire_capability(__VA_ARGS__))
 #define KAVREL_RELEASE(...) KAVREL_THREAD_ANNOTATION(release_capability(__VA_ARGS__))
 #define KAVREL_REQUIRES(...) KAVREL_THREAD_ANNOTATION(requires_capability(__VA_ARGS__))
-#define KAVREL_EXCLUDES(...) KAVREL_THREAD_ANNOTATION(locks_excluded(__VA_ARGS__))

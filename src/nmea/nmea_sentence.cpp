@@ -62,8 +62,7 @@ void ForEachComma(std::string_view text, const F& found) {
 void AppendChecksum(TextBuilder& builder) {
     if (!HasRoomForChecksum(builder.text().size())) return;
     Checksum checksum;
-    for (const char c : builder.text().substr(1))
-        checksum.Add(c);
+    checksum.Add(builder.text().substr(1));
     const std::array<char, 2> digits = checksum.Digits();
     builder.Append("*");
     builder.Append({digits.data(), digits.size()});

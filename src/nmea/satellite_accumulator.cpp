@@ -35,7 +35,7 @@ std::int32_t LastField(const NmeaSentence& gsv) {
 char SignalOf(const NmeaSentence& gsv) {
     const std::int32_t last = LastField(gsv);
     const std::int32_t rest = (last - kFirstSatelliteField + 1) % kFieldsPerSatellite;
-    if (last < kFirstSatelliteField || rest != 1) return '\0';
+    if (rest != 1) return '\0';
     const std::string_view signal = gsv.FieldOrEmpty(last);
     return signal.empty() ? '\0' : signal.front();
 }
@@ -106,7 +106,6 @@ bool SatelliteAccumulator::Gather(Source& source, const NmeaSentence& gsv) {
 void SatelliteAccumulator::Complete(Source& source) {
     isPictureOutdated_ |= source.gathered != source.complete;
     std::swap(source.complete, source.gathered);
-    source.sentenceCount = 0;
     source.previouslyCompletedAt = source.completedAt;
     source.completedAt = ++groupsCompleted_;
 

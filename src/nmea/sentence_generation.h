@@ -5,9 +5,8 @@
 //   latitude, longitude  ddmm.mmmmm, dddmm.mmmmm and N, S, E or W
 //   speed                0.00 knots; in VTG also kilometres per hour
 //   course               0.00 degrees
-//   magnetic variation   0.00 degrees and E or W; VTG writes the magnetic course instead, in (0,
-//   360],
-//                        because a course of 0 means there that none is known
+//   magnetic variation   0.00 degrees and E or W; VTG writes the magnetic course instead, 360 for
+//                        0, because a course of 0 means there that none is known
 //   altitude, separation 0.00 metres
 //   HDOP                 0.00
 //

@@ -59,9 +59,7 @@ void SentenceWriter::Angle(double degrees, int degreeDigits) {
 
 std::string SentenceWriter::Finish() const {
     Checksum checksum;
-    const std::string_view text = text_;
-    for (const char c : text.substr(1))
-        checksum.Add(c);
+    checksum.Add(std::string_view{text_}.substr(1));
     const std::array<char, 2> digits = checksum.Digits();
     return (text_ + '*').append(digits.data(), digits.size());
 }

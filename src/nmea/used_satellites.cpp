@@ -10,6 +10,9 @@ namespace {
 constexpr std::int32_t kFirstPrnField = 3;
 constexpr std::int32_t kSystemIdField = 18;
 
+// Each constellation counts its satellites up to here; higher numbers belong to one of them.
+constexpr std::int32_t kLastSharedNumber = 64;
+
 // Behind the DOPs a sentence of a talker for all constellations says which one it is about.
 Constellation ConstellationOfGsa(const NmeaSentence& gsa) {
     const Constellation own = ConstellationOf(gsa.TalkerId());
@@ -95,7 +98,7 @@ void UsedSatellites::Remove(std::size_t index) {
 bool UsedSatellites::Contains(const SatelliteValues& satellite) const {
     const Constellation own = satellite.constellation;
     for (const List& list : lists()) {
-        const bool isMeant = list.constellation == own ||
+        const bool isMeant = satellite.prn > kLastSharedNumber || list.constellation == own ||
                              list.constellation == Constellation::Any || own == Constellation::Any;
         if (isMeant && list.numbers.Contains(satellite.prn)) return true;
     }

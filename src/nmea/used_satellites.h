@@ -26,8 +26,8 @@ class UsedSatellites {
     // The run is over: what it has not replaced is gone. REQUIRES: called before the next run.
     bool EndRun();
 
-    // A list whose constellation is known marks that constellation's satellites only; other lists
-    // mark every satellite of the number.
+    // A list whose constellation is known marks that constellation's satellites, and those whose
+    // number no other constellation has; other lists mark every satellite of the number.
     bool Contains(const SatelliteValues& satellite) const;
 
     void Clear() { count_ = 0; }

@@ -193,9 +193,9 @@ void NmeaParser::UpdateSatellites(const NmeaSentence& sentence) {
     if (!IsWanted(kSlot)) return;
     if (!noEvents_ && Wishes().intervals.Get(kSlot) == EventIntervals::kOff) return;
     if (!accumulator_.AddGsv(sentence) && !accumulator_.AddGsa(sentence, wasGsa_)) return;
-    const Turn turn = TakeTurn(IntervalSlot::Satellites);
+    const Turn turn = TakeTurn(kSlot);
     if (!turn.isPublished && !turn.isRaised) return;
-    Hand(IntervalSlot::Satellites, turn, satellites_, spares_.satellites,
+    Hand(kSlot, turn, satellites_, spares_.satellites,
          spares_.satellites.Make(accumulator_.picture()));
 }
 

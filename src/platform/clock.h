@@ -17,6 +17,8 @@ struct CalendarTime {
     std::int32_t minute = 0;
     std::int32_t second = 0;
     std::int32_t millisecond = 0;
+
+    bool operator==(const CalendarTime&) const = default;
 };
 
 CalendarTime UtcNow();

@@ -7,6 +7,7 @@ namespace {
 
 constexpr std::int32_t kFirstYear = 1601;
 constexpr std::int32_t kLastFileTimeYear = 30827;
+constexpr std::int32_t kFirstDateYear = 1900;  // before day 0, dates would count backwards
 constexpr std::int32_t kLastDateYear = 9999;
 
 constexpr std::int32_t kDaysPer400Years = 146097;
@@ -29,11 +30,19 @@ bool IsWithin(std::int32_t value, std::int32_t first, std::int32_t last) {
     return value >= first && value <= last;
 }
 
-bool Exists(const CalendarTime& time, std::int32_t lastYear) {
-    return IsWithin(time.year, kFirstYear, lastYear) && IsWithin(time.month, 1, 12) &&
+bool Exists(const CalendarTime& time) {
+    return IsWithin(time.year, kFirstYear, kLastFileTimeYear) && IsWithin(time.month, 1, 12) &&
            IsWithin(time.day, 1, DaysInMonth(time.year, time.month)) &&
            IsWithin(time.hour, 0, 23) && IsWithin(time.minute, 0, 59) &&
            IsWithin(time.second, 0, 59) && IsWithin(time.millisecond, 0, 999);
+}
+
+// Whether a date value has room for it, be it one too many days or seconds.
+bool HasDateValue(const CalendarTime& time) {
+    constexpr std::int32_t kTwoDigits = 99;
+    return IsWithin(time.year, kFirstDateYear, kLastDateYear) && IsWithin(time.month, 1, 12) &&
+           IsWithin(time.day, 0, 31) && IsWithin(time.hour, 0, kTwoDigits) &&
+           IsWithin(time.minute, 0, kTwoDigits) && IsWithin(time.second, 0, kTwoDigits);
 }
 
 // Years counted from March put the leap day last, so that months have a formula: the days before
@@ -76,7 +85,7 @@ std::int32_t SecondOfDay(const CalendarTime& time) {
 }  // namespace
 
 std::optional<FileTime> ToFileTime(const CalendarTime& time) {
-    if (!Exists(time, kLastFileTimeYear)) return std::nullopt;
+    if (!Exists(time)) return std::nullopt;
     return DaysSince1601(time) * kFileTimePerDay + SecondOfDay(time) * kFileTimePerSecond +
            time.millisecond * kFileTimePerMillisecond;
 }
@@ -95,11 +104,9 @@ std::optional<CalendarTime> FromFileTime(FileTime fileTime) {
 }
 
 std::optional<double> ToDateValue(const CalendarTime& time) {
-    if (!Exists(time, kLastDateYear)) return std::nullopt;
+    if (!HasDateValue(time)) return std::nullopt;
     const double days = DaysSince1601(time) + kDateValueOf1601;
-    const double fraction = static_cast<double>(SecondOfDay(time)) / kSecondsPerDay;
-    // Dates before day 0 count backwards in days but forwards within a day.
-    return days < 0 ? days - fraction : days + fraction;
+    return days + static_cast<double>(SecondOfDay(time)) / kSecondsPerDay;
 }
 
 }  // namespace kavrel

@@ -20,8 +20,9 @@ std::optional<FileTime> ToFileTime(const CalendarTime& time);
 std::optional<CalendarTime> FromFileTime(FileTime fileTime);
 
 // The date value of automation: days since 30 December 1899, the fraction being the time of day,
-// in whole seconds: milliseconds are ignored. Nothing for a moment that the calendar does not have
-// or whose year is outside 1601..9999.
+// in whole seconds: milliseconds are ignored. What is one too many goes over into the next: 30
+// February is a day of March, and a leap second the next midnight. Nothing for a month that is
+// none, a day outside 0..31, a time beyond two digits each, or a year outside 1900..9999.
 std::optional<double> ToDateValue(const CalendarTime& time);
 
 }  // namespace kavrel

@@ -114,13 +114,6 @@ std::optional<double> NmeaTime::DateValue() const {
     return *value - std::floor(*value);
 }
 
-bool NmeaTime::operator==(const NmeaTime& other) const {
-    const CalendarTime& a = time_;
-    const CalendarTime& b = other.time_;
-    return a.year == b.year && a.month == b.month && a.day == b.day && a.hour == b.hour &&
-           a.minute == b.minute && a.second == b.second && a.millisecond == b.millisecond;
-}
-
 std::int32_t DifferenceSeconds(const std::optional<NmeaTime>& from,
                                const std::optional<NmeaTime>& to) {
     if (!from.has_value() || !to.has_value()) return 0;

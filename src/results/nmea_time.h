@@ -54,8 +54,7 @@ class NmeaTime {
     // Milliseconds are never written. Each number has at least two digits.
     std::string Format(TimeStyle style) const;
 
-    // The date value of automation, in whole seconds; the time of day alone when there is no date.
-    // Nothing when the calendar has no such moment.
+    // The date value of automation, see ToDateValue; the time of day alone when there is no date.
     std::optional<double> DateValue() const;
 
     // The platform's file time. Years below 1970 count as 1970 and a month or day of 0 as 1, so
@@ -64,7 +63,7 @@ class NmeaTime {
 
     bool HasDate() const { return time_.year != 0; }
 
-    bool operator==(const NmeaTime& other) const;
+    bool operator==(const NmeaTime&) const = default;
 
   private:
     void ReadDate(std::string_view field);

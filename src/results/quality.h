@@ -1,5 +1,5 @@
-// Quality: dilutions of precision of one moment. A snapshot: it never changes
-// while anybody holds it.
+// Quality: dilutions of precision of one moment. A snapshot: it never changes while anybody holds
+// it.
 #pragma once
 
 #include "base/record.h"

@@ -102,8 +102,12 @@ TEST_F(NmeaSentenceTest, IndexesAreCutToEightBits) {
 }
 
 TEST_F(NmeaSentenceTest, SetFieldFillsTheGap) {
+    sentence_->Field(1);
     sentence_->SetField(2, "b");
-    EXPECT_EQ(sentence_->Text(), Sentence(",,b"));
+    EXPECT_EQ(Error(), "");
+    EXPECT_EQ(sentence_->TextWithLineEnd(), Line(",,b"));
+    sentence_->SetCommand("GGA");
+    EXPECT_EQ(sentence_->TextWithLineEnd(), Line("GPGGA,,b"));
     sentence_->SetText("$GPGGA,a,b*00");
     sentence_->SetField(5, "x,y*z");  // written as it is
     EXPECT_EQ(AllFields(), (Fields{"a", "b", "", "", "x,y*z"}));
@@ -216,9 +220,9 @@ TEST_F(WideSentenceTest, GivesBackWhatItWasGiven) {
 
     SetText(u"$\u0141GGA");
     EXPECT_EQ(Text(), u"") << "too short";
-    sentence_->SetText("$GPGGA,\xE9");
+    SetText(u"$GPGGA,\u00FF");
     EXPECT_TRUE(sentence_->TextAsGiven().wide.empty());
-    EXPECT_EQ(Field(1), u"\u00E9");
+    EXPECT_EQ(Field(1), u"\u00FF");
 }
 
 TEST_F(WideSentenceTest, RebuildsWithAllBits) {

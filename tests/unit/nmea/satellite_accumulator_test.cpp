@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <string>
 #include <utility>
 
@@ -22,6 +21,11 @@ class Receiver {
         const bool continuesRun = std::exchange(wasGsa_, isGsa);
         return isGsa ? accumulator_.AddGsa(*sentence, continuesRun)
                      : accumulator_.AddGsv(*sentence);
+    }
+
+    void Clear() {
+        accumulator_.Clear();
+        wasGsa_ = false;
     }
 
     auto picture() const { return accumulator_.picture(); }
@@ -47,15 +51,12 @@ class Receiver {
 };
 
 TEST(SatelliteAccumulator, ShowsWhatIsInView) {
-    auto receiver = std::make_unique<Receiver>();
+    Receiver receiver;
     ForEachRow("nmea/satellites.csv", [&receiver](const Row& row) {
-        if (row.Text(0).starts_with('=')) {
-            receiver = std::make_unique<Receiver>();
-            return;
-        }
-        EXPECT_EQ(receiver->Feed(row.Text(0)), row.Flag(1));
+        if (row.Text(0).starts_with('=')) return receiver.Clear();
+        EXPECT_EQ(receiver.Feed(row.Text(0)), row.Flag(1));
         const bool hasValues = row.Text(2).find(':') != std::string::npos;
-        EXPECT_EQ(receiver->Picture(hasValues), row.Text(2));
+        EXPECT_EQ(receiver.Picture(hasValues), row.Text(2));
     });
 }
 

@@ -95,6 +95,14 @@ TEST(SentenceAssembler, ATextOf65536IsNoEmptyText) {
     EXPECT_THAT(TakeAll(assembler), ElementsAre("$GPGGA,1"));
 }
 
+TEST(SentenceAssembler, ClearDropsWhatWaits) {
+    SentenceAssembler assembler;
+    assembler.Append("$GPGGA,1");
+    assembler.Clear();
+    assembler.Append("2\r\n");
+    EXPECT_THAT(TakeAll(assembler), IsEmpty());
+}
+
 TEST(SentenceAssembler, UsesASentenceAgainThatNobodyKeeps) {
     SentenceAssembler assembler;
     const auto take = [&assembler](std::string_view body) {

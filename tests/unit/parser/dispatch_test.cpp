@@ -67,12 +67,14 @@ TEST_F(DispatchTest, DatumSetByAnEventIsForTheNextFix) {
     std::vector<std::int16_t> datums;
     log_.act = [&](ParserEvent event, Record& object) {
         if (event == ParserEvent::ComStatus) parser_->SetGpsDatum(5);
+        if (event == ParserEvent::Gga)
+            datums.push_back(static_cast<NmeaGga&>(object).MakePosition()->Datum());
         if (event == ParserEvent::GpsFix)
             datums.push_back(static_cast<GpsFix&>(object).MakePosition()->Datum());
     };
     FeedGga("120000");
     FeedGga("120001");
-    EXPECT_EQ(datums, (std::vector<std::int16_t>{1, 5}));
+    EXPECT_EQ(datums, (std::vector<std::int16_t>{1, 1, 5, 5}));
 }
 
 // Records are used again, but never one that somebody keeps.
@@ -81,6 +83,13 @@ TEST_F(DispatchTest, KeptObjectsNeverChange) {
         ParserEvent event;
         Ref<Record> object;
         std::string description;
+    };
+    const auto describe = [](ParserEvent event, Record& object) {
+        const bool isDecoded =
+            event == ParserEvent::Gga || event == ParserEvent::Gll || event == ParserEvent::Rmc;
+        return Describe(event, object) +
+               std::string(isDecoded ? static_cast<DecodedSentence&>(object).sentence().Text()
+                                     : "");
     };
     std::vector<Kept> kept;
     std::set<const Record*> seen;
@@ -92,7 +101,7 @@ TEST_F(DispatchTest, KeptObjectsNeverChange) {
             whole += static_cast<NmeaSentence&>(object).FullCommand().size() == 5 ? 1 : 0;
         // Some of each kind, so that there are kept ones, spare ones and new ones.
         if (++events % 5 == 0)
-            kept.push_back({event, Ref<Record>::Share(&object), Describe(event, object)});
+            kept.push_back({event, Ref<Record>::Share(&object), describe(event, object)});
     };
     simulator::Receiver receiver({});
     std::ptrdiff_t sentences = 0;
@@ -109,7 +118,7 @@ TEST_F(DispatchTest, KeptObjectsNeverChange) {
     std::set<ParserEvent> kinds;
     for (const Kept& each : kept) {
         kinds.insert(each.event);
-        EXPECT_EQ(Describe(each.event, *each.object), each.description);
+        EXPECT_EQ(describe(each.event, *each.object), each.description);
     }
     EXPECT_EQ(kinds.size(), 8u);
 }

@@ -100,6 +100,15 @@ TEST(Calendar, KnowsFileTimes) {
     EXPECT_FALSE(ToFileTime({1600, 12, 31, 23, 59, 59, 999}).has_value());
     EXPECT_TRUE(ToFileTime({30827, 12, 31, 23, 59, 59, 999}).has_value());
     EXPECT_FALSE(ToFileTime({30828, 1, 1, 0, 0, 0, 0}).has_value());
+    EXPECT_TRUE(ToFileTime({2000, 2, 29, 0, 0, 0, 0}).has_value());
+    EXPECT_FALSE(ToFileTime({2100, 2, 29, 0, 0, 0, 0}).has_value());
+    EXPECT_FALSE(ToFileTime({2003, 0, 1, 0, 0, 0, 0}).has_value());
+    EXPECT_FALSE(ToFileTime({2003, 13, 1, 0, 0, 0, 0}).has_value());
+    const int days[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    for (int month = 1; month <= 12; ++month) {
+        EXPECT_TRUE(ToFileTime({2003, month, days[month - 1], 23, 59, 59, 999}).has_value());
+        EXPECT_FALSE(ToFileTime({2003, month, days[month - 1] + 1, 0, 0, 0, 0}).has_value());
+    }
     EXPECT_FALSE(FromFileTime(-1).has_value());
 }
 

@@ -54,6 +54,10 @@ TEST(NmeaRmc, WritesItsSentenceAnewForAnotherSpeed) {
     // Once written, the sentence is anybody's to change.
     rmc->sentence().SetField(7, "8");
     expectSpeed(7, "8");
+
+    rmc->SetSpeed(9, kSpeedKnots);
+    rmc->Assign(MakeSentence("GPRMC,1"), {}, kDatumWgs84);
+    EXPECT_EQ(rmc->sentence().Text(), Sentence("GPRMC,1"));
 }
 
 TEST(Generation, RoundsMinutesIntoDegrees) {

@@ -27,6 +27,10 @@ TEST(Satellites, CountFromOne) {
     EXPECT_EQ(valuesOf(*satellites->Item(1)), std::tuple(7, 47, 210, 42, false));
     EXPECT_EQ(valuesOf(*satellites->Item(2)), std::tuple(9, 15, 0, 0, true));  // the low 16 bits
     EXPECT_EQ(satellites->Item(2)->serialNumber(), 65536u + 9);
+
+    satellites->Assign(std::vector<SatelliteValues>{{.prn = 3}});
+    EXPECT_EQ(satellites->Count(), 1);
+    EXPECT_EQ(satellites->Item(1)->Id(), 3);
 }
 
 TEST(Satellites, HaveNoItemsOutside) {
