@@ -6,7 +6,6 @@
 
 #include "base/number.h"
 #include "geodesy/angle.h"
-#include "geodesy/coordinate_text.h"
 #include "geodesy/longitude.h"
 #include "geodesy/whole_number.h"
 
@@ -197,32 +196,26 @@ void Position::SetLongitudeDMS(double degrees, double minutes, double seconds,
     StoreLongitude(RadsFromParts(degrees, minutes, seconds, hemisphere.starts_with('W')));
 }
 
+std::string Position::TextOf(const Dms& value, char hemisphere, std::int32_t frm,
+                             CoordinateLayout nmea) {
+    if (frm == kFormatDms) return CoordinateText(CoordinateLayout::Dms, value, hemisphere);
+    if (frm == kFormatNmea) return CoordinateText(nmea, value, hemisphere);
+    Report(Message::InvalidParameter);
+    return {};
+}
+
 std::string Position::LatitudeString(std::int32_t frm) {
     const Scope scope(*this);
     BeginGeographic();
-    const char hemisphere = LatitudeHemisphere(state_.coordinate.latitudeRads);
-    if (frm == kFormatDms) {
-        return CoordinateText(CoordinateLayout::Dms, state_.latitude, hemisphere);
-    }
-    if (frm == kFormatNmea) {
-        return CoordinateText(CoordinateLayout::NmeaLatitude, state_.latitude, hemisphere);
-    }
-    Report(Message::InvalidParameter);
-    return {};
+    return TextOf(state_.latitude, LatitudeHemisphere(state_.coordinate.latitudeRads), frm,
+                  CoordinateLayout::NmeaLatitude);
 }
 
 std::string Position::LongitudeString(std::int32_t frm) {
     const Scope scope(*this);
     BeginGeographic();
-    const char hemisphere = LongitudeHemisphere(state_.coordinate.longitudeRads);
-    if (frm == kFormatDms) {
-        return CoordinateText(CoordinateLayout::Dms, state_.longitude, hemisphere);
-    }
-    if (frm == kFormatNmea) {
-        return CoordinateText(CoordinateLayout::NmeaLongitude, state_.longitude, hemisphere);
-    }
-    Report(Message::InvalidParameter);
-    return {};
+    return TextOf(state_.longitude, LongitudeHemisphere(state_.coordinate.longitudeRads), frm,
+                  CoordinateLayout::NmeaLongitude);
 }
 
 double Position::Altitude(std::int32_t frm) {

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "base/record.h"
+#include "geodesy/coordinate_text.h"
 #include "geodesy/dms.h"
 #include "geodesy/geo_coordinate.h"
 #include "platform/lock.h"
@@ -153,6 +154,7 @@ class Position final : public Record {
     bool UpdateGridSide();
     void UpdateLatitudeDms();
     void UpdateLongitudeDms();
+    std::string TextOf(const Dms& value, char hemisphere, std::int32_t frm, CoordinateLayout nmea);
     void MarkGeographicWritten();
     void MarkGridWritten();
     void StoreLatitude(double rads);

@@ -96,8 +96,7 @@ std::int32_t ZoneOfPlane(const GeoCoordinate& coordinate, PlanePoint& plane) {
         }
         if (!hasPrefix) plane.eastingMetres += kZonePrefixMetres * zone;
     }
-    if (zone == 0) return kZoneMissing;
-    return IsZoneOf(coordinate.grid, zone) ? zone : kZoneOutside;
+    return zone != 0 ? zone : kZoneMissing;
 }
 
 void AdjustToZone(GridId grid, std::int32_t zone, ProjectionParameters& parameters) {

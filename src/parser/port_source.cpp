@@ -101,11 +101,10 @@ void PortSource::Forget() {
 bool PortSource::StartSharedReceiver(ErrorSlot& error) {
     Forget();
     auto shared = MakeRef<SharedReceiverSource>(machine_.MakeSharedReceiver());
-    shared->Start();
-    if (!shared->error().IsSet()) shared->CallMethod6(1);
-    if (!shared->error().IsSet()) shared->CallMethod4();
-    error.CopyFrom(&shared->error());
-    if (error.IsSet()) return false;
+    if (!shared->Start() || !shared->CallMethod6(1) || !shared->CallMethod4()) {
+        error.CopyFrom(&shared->error());
+        return false;
+    }
     dataReady_ = shared->DataReceivedEvent();
     failed_ = shared->SourceClosedEvent();
     shared_ = std::move(shared);
@@ -119,7 +118,7 @@ void PortSource::StartSearch() {
     Forget();
     plan_.emplace(PortsToSearch(machine_, choice_.comPort), choice_.baudRate);
     next_.reset();
-    hasOpenedAny_ = false;
+    hasListened_ = false;
     ListenUntilIn(0);
 }
 
@@ -136,12 +135,13 @@ std::uint32_t PortSource::WaitLimitMs() const {
 // One step at a time: between closing a port, which takes a while, and opening another, the reader
 // looks whether it is to stop.
 void PortSource::OnTimeOut() {
+    if (port_ && listensForMs_ != 0) hasListened_ = true;
     if (!next_.has_value()) next_ = plan_->Next();
     if (!next_.has_value()) {
-        const bool hasOpenedAny = hasOpenedAny_;
+        const bool hasListened = hasListened_;
         StartSearch();
         // Without a port to listen to, not faster than with one.
-        if (!hasOpenedAny) ListenUntilIn(tryMs_);
+        if (!hasListened) ListenUntilIn(tryMs_);
         return;
     }
     if (port_ && port_->Port() != next_->comPort) {
@@ -165,7 +165,6 @@ void PortSource::Try(const PortChoice& candidate) {
         port_ = OpenPort(candidate, ignored);
     }
     if (port_) {
-        hasOpenedAny_ = true;
         ListenUntilIn(tryMs_);
     } else {
         plan_->SkipPort();
@@ -228,7 +227,7 @@ bool PortSource::IsProof(NmeaSentence& sentence) const {
 }
 
 std::string_view PortSource::TakePiece() {
-    if (!block_ || usedOfBlock_ == block_->bytes().size()) {
+    while (!block_ || usedOfBlock_ == block_->bytes().size()) {
         block_ = port_ ? port_->TakeReceived() : shared_ ? shared_->TakeText() : nullptr;
         usedOfBlock_ = 0;
         if (!block_) return {};

@@ -97,7 +97,7 @@ class PortSource {
     // The search, where there is one: it goes on until a sentence comes and after a failure.
     std::optional<SearchPlan> plan_;
     std::optional<PortChoice> next_;
-    bool hasOpenedAny_ = false;  // in this round
+    bool hasListened_ = false;  // in this round, to a port that did not fail
     std::uint32_t listensSinceMs_ = 0;
     std::uint32_t listensForMs_ = 0;
 

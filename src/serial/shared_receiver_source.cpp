@@ -6,8 +6,10 @@
 namespace kavrel {
 namespace {
 
+// A failure without a number of its own must not look like none.
 ErrorCode CodeOf(std::int32_t status) {
-    return static_cast<ErrorCode>(status) & 0xFFFF;
+    const ErrorCode code = static_cast<ErrorCode>(status) & 0xFFFF;
+    return code != kNoError ? code : kErrorComPort;
 }
 
 }  // namespace

@@ -129,6 +129,8 @@ TEST(Projection, RefusesWhatDescribesNone) {
         change(parameters);
         EXPECT_FALSE(PrepareProjection(parameters)) << &change - kChanges;
     }
+    EXPECT_FALSE(PrepareProjection(Parameters(Algorithm::SwissOblique, 5, 7, 47, 0.0)));
+    EXPECT_FALSE(PrepareProjection(Parameters(Algorithm::ObliqueStereographic, 5, 7, 47, 0.0)));
 }
 
 TEST(LambertConic, ParallelsInEitherOrderAndAScaleNeverSet) {
@@ -167,6 +169,13 @@ TEST(Projection, EdgesOfThePlane) {
         PrepareProjection(Parameters(Algorithm::LambertConic, 34, 0, 90, 1.0, 40, 50));
     EXPECT_FALSE(conic->Inverse({500000.0, -200000.0 + 5e6}, point));
     EXPECT_TRUE(conic->Inverse({500000.0, -200000.0 - 5e6}, point));
+    // Nor does a formula for the surroundings of its origin hold twenty degrees away.
+    const std::pair<Algorithm, PlanePoint> kFar[] = {
+        {Algorithm::SwissOblique, {2.3e6, -200000.0}},
+        {Algorithm::ObliqueStereographic, {2.3e6, -200000.0}},
+        {Algorithm::NewZealandMapGrid, {4e6, 6e6}}};
+    for (const auto& [algorithm, far] : kFar)
+        EXPECT_FALSE(PrepareProjection(Parameters(algorithm, 5, 7, 47, 1))->Inverse(far, point));
 }
 
 }  // namespace

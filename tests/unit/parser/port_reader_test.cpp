@@ -102,22 +102,40 @@ class PortReaderTest : public testing::Test {
     PortReader reader_{machine_, log_, kTryMs};
 };
 
+// A port that fails is not tried at its other rates.
 TEST_F(PortReaderTest, FindsAReceiverAmongPorts) {
-    for (const char16_t port : {u'1', u'2', u'3', u'4', u'5'})
+    for (const char16_t port : {u'1', u'2', u'3', u'4', u'5', u'6'})
         List(port);
-    machine_.Port(1).FailCall(CommCall::Read, 1, 21);
-    machine_.Port(2);
+    machine_.Port(2);  // 1 is listed, but not there
     machine_.Port(3).FailCall(CommCall::Open, 1, 5);
-    machine_.Port(5);
-    Connect(4, 38400);
+    machine_.Port(4).FailCall(CommCall::Read, 1, 21);
+    machine_.Port(6);
+    Connect(5, 38400);
     Enable(kAnything);
-    log_.Await("valid 4@38400");
-    EXPECT_THAT(log_.taken, ElementsAre("try 1@4800", "try 2@4800", "try 2@9600", "try 2@38400",
-                                        "try 2@19200", "try 2@57600", "try 2@115200", "try 4@4800",
-                                        "try 4@9600", "try 4@38400", "valid 4@38400"));
+    log_.Await("valid 5@38400");
+    EXPECT_THAT(log_.taken, ElementsAre("try 2@4800", "try 2@9600", "try 2@38400", "try 2@19200",
+                                        "try 2@57600", "try 2@115200", "try 4@4800", "try 5@4800",
+                                        "try 5@9600", "try 5@38400", "valid 5@38400"));
     log_.Await(Sentence("PKVRL,1"));
     reader_.Disable();
-    EXPECT_FALSE(machine_.Port(4).isOpen());
+    EXPECT_FALSE(machine_.Port(5).isOpen());
+}
+
+// One that opens but fails at once is not opened over and over, even when it did not at first.
+TEST_F(PortReaderTest, TakesItsTimeWithAPortThatFails) {
+    log_.onTry = [&, tries = 0](const PortChoice&) mutable {
+        machine_.Port(2).WaitForCalls(CommCall::Read, ++tries);
+        machine_.Port(2).FailCall(CommCall::Read, 1, 21);
+    };
+    machine_.Port(2);
+    Enable({2, kDetectBaudRate});
+    log_.Await("try 2@4800");
+    log_.Await("try 2@4800");
+    const auto start = std::chrono::steady_clock::now();
+    log_.Await("try 2@4800");
+    log_.Await("try 2@4800");
+    reader_.Disable();
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(kTryMs));
 }
 
 TEST_F(PortReaderTest, KeepsToWhatIsGiven) {
@@ -220,15 +238,17 @@ TEST_F(PortReaderTest, ReadsFromTheSharedReceiver) {
     List(u'2');
     for (const std::int32_t comPort : {kSharedReceiverOnly, kSearchForPort}) {
         shared_.calls.clear();
-        Enable({comPort, 4800});
-        log_.Await("try -1@0");
-        EXPECT_THAT(shared_.calls, ElementsAre("create", "connect", "6(1)", "4()"));
-        // More at once than the ring holds.
+        // An empty text, and more at once than the ring holds.
         std::string text;
         for (int i = 0; i < 100; ++i)
             text += Line("PKVRL," + std::to_string(i));
-        shared_.listener->OnText(text);
+        log_.onTry = [&](const PortChoice&) {
+            shared_.listener->OnText("");
+            shared_.listener->OnText(text);
+        };
+        Enable({comPort, 4800});
         log_.Await(Sentence("PKVRL,99"));
+        EXPECT_THAT(shared_.calls, ElementsAre("create", "connect", "6(1)", "4()"));
         EXPECT_EQ(log_.taken.size(), 102U);
         EXPECT_EQ(log_.taken[1], "valid -1@0");
         reader_.Disable();
@@ -244,6 +264,36 @@ TEST_F(PortReaderTest, IsDisabledThoughSentencesNeverEnd) {
     log_.Await(Sentence("PKVRL,1"));
     reader_.Disable();
     EXPECT_EQ(shared_.listener, nullptr);
+}
+
+// Alone it must work; in a search its failure is nobody's business.
+TEST_F(PortReaderTest, TellsOfASharedReceiverThatFailsWhenItIsWantedAlone) {
+    const SharedReceiverResult kDone, kBusy = {static_cast<std::int32_t>(0x80041234), "Busy"},
+                                      kNoNumber = {static_cast<std::int32_t>(0x80040000), ""};
+    const struct {
+        SharedReceiverResult create, method6, method4;
+        std::string error;
+    } kCases[] = {
+        {kBusy, kDone, kDone,
+         "4660 Ravelin not installed! Cannot create object RavelinApi::Simple"},
+        {kDone, kBusy, kDone, "4660 Busy"},
+        {kDone, kDone, kBusy, "4660 Busy"},
+        // A number of 0 would say that nothing failed.
+        {kNoNumber, kDone, kDone,
+         "10007 Ravelin not installed! Cannot create object RavelinApi::Simple"},
+        {kDone, kNoNumber, kDone, "10007 Unknown Error"},
+    };
+    for (const auto& [create, method6, method4, expected] : kCases) {
+        shared_.create = create;
+        shared_.method6 = method6;
+        shared_.method4 = method4;
+        ErrorSlot error;
+        EXPECT_FALSE(reader_.Enable({kSharedReceiverOnly, 4800}, error)) << expected;
+        EXPECT_EQ(std::to_string(error.code()) + " " + std::string(error.text()), expected);
+        EXPECT_EQ(shared_.calls.back(), "release");
+        Enable(kAnything);
+        reader_.Disable();
+    }
 }
 
 TEST_F(PortReaderTest, SearchesOnceTheSharedReceiverCloses) {

@@ -47,11 +47,13 @@ TEST_F(PortTest, TweaksBluetoothBeforeAndAfterOpening) {
                   {0, false, true, {}, {}},    {80, false, true, {}, {}}};
     for (const auto& [number, isSkipped, browserOff, before, after] : kCases) {
         for (const int failingWrite : {0, 1}) {
-            for (const bool isMissing : {false, true}) {
-                SCOPED_TRACE(testing::Message() << number << isSkipped << browserOff << isMissing);
+            // One that opening does not make, the first that it makes, and a later one.
+            for (const CommCall failing : {CommCall::Write, CommCall::Open, CommCall::SetState}) {
+                SCOPED_TRACE(testing::Message()
+                             << number << isSkipped << browserOff << static_cast<int>(failing));
                 MemoryRegistryStore registry;
                 auto device = std::make_unique<ScriptedCommDevice>();
-                if (isMissing) device->FailCall(CommCall::Open, 1, 2);
+                device->FailCall(failing, 1, 2);
                 const auto port = MakeRef<SerialPort>(std::move(device), registry);
                 port->SetPort(number);
                 port->SetSkipBluetoothTweak(isSkipped);
@@ -59,7 +61,7 @@ TEST_F(PortTest, TweaksBluetoothBeforeAndAfterOpening) {
                 registry.AddKey(kBluetooth);
                 registry.Fail(RegistryCall::SetValue, 5, failingWrite);
                 port->Open();
-                EXPECT_EQ(port->IsOpen(), !isMissing);
+                EXPECT_EQ(port->IsOpen(), failing == CommCall::Write);
                 const auto value = registry.FindValue(kBluetooth, u"BtBrowserEnabled");
                 EXPECT_EQ(value ? value->data : Written(), failingWrite == 1 ? before : after);
             }

@@ -5,6 +5,7 @@
 #include <atomic>
 
 #include "base/byte_block.h"
+#include "platform/host/thread_failure.h"
 
 namespace kavrel {
 namespace {
@@ -28,6 +29,10 @@ class Owner final : public ThreadOwner {
 
 TEST(WorkerThread, RunsItsOwnersBodyUntilStopped) {
     Owner owner;
+    const std::int32_t live = Record::LiveCount();
+    FailThreadStart(1, 11);
+    owner.worker->Start(owner, nullptr);
+    EXPECT_EQ(owner.worker->error().code(), 11U);
     EXPECT_FALSE(owner.worker->IsRunning());
     for (int round = 1; round <= 3; ++round) {
         owner.release->Reset();
@@ -43,6 +48,7 @@ TEST(WorkerThread, RunsItsOwnersBodyUntilStopped) {
         owner.worker->Stop();
         EXPECT_FALSE(owner.worker->IsRunning());
         EXPECT_EQ(owner.runs, round);
+        EXPECT_EQ(Record::LiveCount(), live) << "the argument is dropped";
     }
     owner.worker->Stop();
     EXPECT_FALSE(owner.worker->error().IsSet());
