@@ -122,7 +122,7 @@ void SerialPort::StartThreads() {
     };
     for (const auto& worker : workers) {
         if (!worker.isWanted) continue;
-        // The last request, heard or not, would end the new thread.
+        // A request that no thread was there to hear would end the new one.
         worker.stop.Reset();
         worker.thread.Start(*this, nullptr);
         if (!worker.thread.error().IsSet()) continue;

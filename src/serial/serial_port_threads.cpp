@@ -46,10 +46,13 @@ LineChange TakeFirstChange(std::uint32_t& remembered, std::uint32_t now) {
 void SerialPort::ThreadBody(WorkerThread& thread, Record* /*argument*/) {
     if (thread.serialNumber() == readerThread_->serialNumber()) {
         ReadLoop();
+        readerStop_->Reset();
     } else if (thread.serialNumber() == writerThread_->serialNumber()) {
         WriteLoop();
+        writerStop_->Reset();
     } else if (thread.serialNumber() == lineThread_->serialNumber()) {
         WatchLoop();
+        lineStop_->Reset();
     }
 }
 

@@ -34,6 +34,7 @@ void WorkerThread::Stop() {
     error().Clear();
     if (thread_.IsStarted()) {
         finished_->Wait(stopTimeoutMs_);
+        finished_->Reset();
         thread_.Close();
     }
     owner_ = nullptr;
