@@ -22,11 +22,8 @@ class GpsFixObject final : public AutomationObject<IGpsFix, GpsFix> {
     using AutomationObject::AutomationObject;
 
     STDMETHOD(get_UTC)(VARIANT* result) override { return GetBy<&GpsFix::Utc>(result); }
-    // Always succeeds: a record without a position gives a null object.
     STDMETHOD(get_Position)(VARIANT* result) override {
-        if (result == nullptr) return E_POINTER;
-        SetVariant(*result, WrapPosition(record().MakePosition()));
-        return S_OK;
+        return ReturnPosition(record().MakePosition(), result);
     }
     STDMETHOD(get_FixType)(VARIANT* result) override { return GetBy<&GpsFix::FixType>(result); }
 };

@@ -23,11 +23,8 @@ class NmeaGGAObject final : public AutomationObject<INmeaGGA, NmeaGga> {
   public:
     using AutomationObject::AutomationObject;
 
-    // Always succeeds: a record without a position gives a null object.
     STDMETHOD(get_Position)(VARIANT* result) override {
-        if (result == nullptr) return E_POINTER;
-        SetVariant(*result, WrapPosition(record().MakePosition()));
-        return S_OK;
+        return ReturnPosition(record().MakePosition(), result);
     }
     STDMETHOD(get_Valid)(VARIANT* result) override { return GetBy<&NmeaGga::Valid>(result); }
     STDMETHOD(get_UTC)(VARIANT* result) override { return GetBy<&NmeaGga::Utc>(result); }

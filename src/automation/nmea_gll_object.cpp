@@ -21,11 +21,8 @@ class NmeaGLLObject final : public AutomationObject<INmeaGLL, NmeaGll> {
   public:
     using AutomationObject::AutomationObject;
 
-    // Always succeeds: a record without a position gives a null object.
     STDMETHOD(get_Position)(VARIANT* result) override {
-        if (result == nullptr) return E_POINTER;
-        SetVariant(*result, WrapPosition(record().MakePosition()));
-        return S_OK;
+        return ReturnPosition(record().MakePosition(), result);
     }
     STDMETHOD(get_Valid)(VARIANT* result) override { return GetBy<&NmeaGll::Valid>(result); }
     STDMETHOD(get_UTC)(VARIANT* result) override { return GetBy<&NmeaGll::Utc>(result); }

@@ -27,11 +27,8 @@ class NmeaRMCObject final : public AutomationObject<INmeaRMC, NmeaRmc> {
     STDMETHOD(get_GroundSpeed)(VARIANT frm, VARIANT* result) override {
         return Return(result, [&] { return record().GroundSpeed(ToInt16(frm)); });
     }
-    // Always succeeds: a record without a position gives a null object.
     STDMETHOD(get_Position)(VARIANT* result) override {
-        if (result == nullptr) return E_POINTER;
-        SetVariant(*result, WrapPosition(record().MakePosition()));
-        return S_OK;
+        return ReturnPosition(record().MakePosition(), result);
     }
     STDMETHOD(get_Valid)(VARIANT* result) override { return GetBy<&NmeaRmc::Valid>(result); }
     STDMETHOD(get_UTC)(VARIANT* result) override { return GetBy<&NmeaRmc::Utc>(result); }

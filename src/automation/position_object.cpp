@@ -321,4 +321,10 @@ ComRef<IDispatch> WrapPosition(Ref<Position> record) {
     return ObjectWithCore<PositionObject>::Make(kClass, std::move(record));
 }
 
+HRESULT ReturnPosition(Ref<Position> record, VARIANT* result) {
+    if (result == nullptr) return E_POINTER;
+    SetVariant(*result, WrapPosition(std::move(record)));
+    return S_OK;
+}
+
 }  // namespace kavrel

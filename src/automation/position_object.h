@@ -14,4 +14,8 @@ ComRef<IDispatch> CreatePositionObject();
 // A new object around a record; null for a null record, or when memory is short.
 ComRef<IDispatch> WrapPosition(Ref<Position> record);
 
+// Gives a client the position of a fix or a sentence. Without one it succeeds, too: the result is a
+// null object. E_POINTER without a result.
+HRESULT ReturnPosition(Ref<Position> record, VARIANT* result);
+
 }  // namespace kavrel
