@@ -87,6 +87,13 @@ TEST_F(PositionTest, DmsIntoTypedVariables) {
     EXPECT_EQ(36.0F, seconds);
     EXPECT_STREQ(L"S", hemisphere);
     SysFreeString(hemisphere);
+
+    CHAR tooSmall = 7;
+    DmsVariables variables;
+    variables.arguments[0] = RefTo(VT_I1, tooSmall);
+    EXPECT_EQ(DISP_E_OVERFLOW,
+              Call(PositionAt(0, 179).Get(), L"LongitudeDMS", variables.arguments).status);
+    EXPECT_EQ(7, tooSmall);
 }
 
 TEST_F(PositionTest, DmsNeedsSomethingToWriteTo) {
