@@ -111,6 +111,10 @@ Ref<Quality> NmeaParser::GetQuality(std::int32_t timeoutMs) {
 
 Ref<ComStatus> NmeaParser::GetComStatus() {
     error().Clear();
+    return ComStatusNow();
+}
+
+Ref<ComStatus> NmeaParser::ComStatusNow() {
     ComStatusValues values;
     {
         const LibraryLockScope lock;

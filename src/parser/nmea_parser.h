@@ -186,6 +186,9 @@ class NmeaParser final : public HandOverTarget, private PortReader::Listener {
     // False, with the error set, while there are events.
     bool RequireNoEvents();
 
+    // For any thread; the error slot is the client's.
+    Ref<ComStatus> ComStatusNow();
+
     // Returns the sentence when it has no more use for it, or null.
     Ref<NmeaSentence> DispatchSentence(Ref<NmeaSentence> sentence);
     void DispatchComStatus(Ref<Record> status);

@@ -64,7 +64,7 @@ void NmeaParser::Dispatch(WorkItem item) {
 
 void NmeaParser::DispatchComStatus(Ref<Record> status) {
     if (noEvents_) return;
-    if (!status) status = GetComStatus();
+    if (!status) status = ComStatusNow();
     Raise(EventCode::ComStatus, ParserEvent::ComStatus, HandlerOf(ParserEvent::ComStatus),
           std::move(status));
 }
