@@ -77,25 +77,32 @@ class CreationFaultTest : public AutomationTest,
     // Lets each call fail in turn. Returns how many there are.
     template <typename Fault>
     int FailEach(Failing failing) {
-        bool hasFailed = true;
         int n = 0;
-        while (hasFailed) {
+        for (bool hasFailed = true; hasFailed;) {
             SCOPED_TRACE(++n);
-            const Resources before = Resources::Now();
-            HRESULT result = S_OK;
-            {
-                const Fault fault(n, failing);
-                result = Create();
-                hasFailed = fault.HasFailed();
+            // What a thread of the system happens to use first stays, but a leak repeats.
+            Resources before;
+            Resources after = Resources::Now();
+            for (int i = 0; i < 3 && before != after; ++i) {
+                before = after;
+                hasFailed = CreateWith(Fault(n, failing));
+                after = Resources::Now();
             }
-            EXPECT_EQ(before, Resources::Now());
+            EXPECT_EQ(before, after);
             EXPECT_EQ(S_OK, CanUnloadNow());
             EXPECT_EQ(S_OK, Create()) << "after the failure";
-            // Without memory for its window a parser is like one on a machine without windows.
-            EXPECT_TRUE(result == (hasFailed ? E_OUTOFMEMORY : S_OK) ||
-                        (IsParser() && result == S_OK));
         }
         return n - 1;
+    }
+
+    // Returns whether the fault's call was reached.
+    template <typename Fault>
+    bool CreateWith(const Fault& fault) {
+        const HRESULT result = Create();
+        const HRESULT expected = fault.HasFailed() ? E_OUTOFMEMORY : S_OK;
+        // Without memory for its window a parser is like one on a machine without windows.
+        EXPECT_TRUE(result == expected || (IsParser() && result == S_OK));
+        return fault.HasFailed();
     }
 
     static bool IsParser() { return GetParam().classId == CLSID_NmeaParser; }

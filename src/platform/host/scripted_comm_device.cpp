@@ -34,8 +34,12 @@ void ScriptedCommDevice::SetFoundTimeouts(const CommTimeouts& timeouts) {
 void ScriptedCommDevice::FailCall(CommCall call, int nth, std::uint32_t error) {
     const std::lock_guard lock(mutex_);
     Plan& plan = plans_[static_cast<std::size_t>(call)];
-    plan.failAt = plan.begun + nth;
-    plan.error = error;
+    plan = {.begun = plan.begun, .failAt = plan.begun + nth, .error = error};
+}
+
+void ScriptedCommDevice::FailCallsFrom(CommCall call, int nth, std::uint32_t error) {
+    FailCall(call, nth, error);
+    Set(plans_[static_cast<std::size_t>(call)].failsFromThenOn, true);
 }
 
 std::vector<std::string> ScriptedCommDevice::TakeLog() {
@@ -58,7 +62,8 @@ CommResult ScriptedCommDevice::Begin(CommCall call, const std::string& log) {
     Plan& plan = plans_[static_cast<std::size_t>(call)];
     ++plan.begun;
     changed_.notify_all();
-    if (plan.begun == plan.failAt) return {.isDone = false, .error = plan.error};
+    const bool fails = plan.failsFromThenOn ? plan.begun >= plan.failAt : plan.begun == plan.failAt;
+    if (fails) return {.isDone = false, .error = plan.error};
     if (!isOpen_ && call != CommCall::Open) return {.isDone = false, .error = kInvalidHandle};
     return {};
 }

@@ -46,6 +46,8 @@ class ScriptedCommDevice final : public CommDevice {
     void SetFoundTimeouts(const CommTimeouts& timeouts);
     // From now on, the `nth` call (1 is the next) of this kind fails.
     void FailCall(CommCall call, int nth, std::uint32_t error);
+    // And all after it.
+    void FailCallsFrom(CommCall call, int nth, std::uint32_t error);
     // The next read claims this many bytes, whatever there is.
     void OverstateNextRead(std::size_t count) { Set(overstatedCount_, count); }
     // Writes wait, as they do while the other side takes nothing.
@@ -82,6 +84,7 @@ class ScriptedCommDevice final : public CommDevice {
     struct Plan {
         int begun = 0;
         int failAt = 0;
+        bool failsFromThenOn = false;
         std::uint32_t error = 0;
     };
 
