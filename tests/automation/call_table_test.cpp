@@ -21,7 +21,7 @@
 #include <string>
 #include <vector>
 
-#include "automation/support/event_recorder.h"
+#include "automation/support/every_class.h"
 #include "automation/support/library.h"
 #include "automation/support/steps.h"
 #include "table.h"
@@ -78,22 +78,14 @@ const std::map<std::string, Var>& Constants() {
 }
 
 // From the parser that is the first argument, or from a new one.
-ComPtr<IDispatch> LastObjectOf(const std::string& event, const Vars& arguments) {
+ComPtr<IDispatch> ObjectOfEvent(const std::string& event, const Vars& arguments) {
     static constexpr const char* kEvents[] = {"Generic",    "GGA",          "GLL",
                                               "RMC",        "OnSatellites", "OnGpsFix",
                                               "OnMovement", "OnQuality",    "OnComStatus"};
     const auto id = std::find(std::begin(kEvents), std::end(kEvents), event) - kEvents + 1;
     ComPtr<IDispatch> parser = arguments.at(0).object();
     if (!parser) parser = CreateParser();
-    const Listener listener(parser.Get());
-    for (const Var& argument : arguments) {
-        if (argument.type() == VT_BSTR) Call(parser.Get(), L"Parse", {argument.text() + L"\r\n"});
-    }
-    ComPtr<IDispatch> last;
-    for (const RecordedEvent& raised : listener->events()) {
-        if (raised.id == id) last = raised.arguments[0].object();
-    }
-    return last;
+    return LastObjectOf(parser.Get(), static_cast<DISPID>(id), arguments.back().text() + L"\r\n");
 }
 
 class CallTest : public AutomationTest, public testing::WithParamInterface<TableGroup> {
@@ -132,7 +124,7 @@ class CallTest : public AutomationTest, public testing::WithParamInterface<Table
         if (object == "new") {
             made.value = CreateByName(L"KavrelCE." + WideFromUtf8(member)).Get();
         } else if (object == "event") {
-            made.value = LastObjectOf(member, arguments).Get();
+            made.value = ObjectOfEvent(member, arguments).Get();
         } else if (objects_[object]) {
             made = RunStep(objects_[object].Get(), WideFromUtf8(member).c_str(), arguments);
         } else {
@@ -163,6 +155,8 @@ TEST_P(CallTest, GivesWhatTheTableSays) {
 INSTANTIATE_TEST_SUITE_P(Sentence, CallTest,
                          testing::ValuesIn(ReadGroups("automation/sentence.txt")), NameOfGroup);
 INSTANTIATE_TEST_SUITE_P(Results, CallTest, testing::ValuesIn(ReadGroups("automation/results.txt")),
+                         NameOfGroup);
+INSTANTIATE_TEST_SUITE_P(Errors, CallTest, testing::ValuesIn(ReadGroups("automation/errors.txt")),
                          NameOfGroup);
 INSTANTIATE_TEST_SUITE_P(Position, CallTest,
                          testing::ValuesIn(ReadGroups("automation/position.txt")), NameOfGroup);

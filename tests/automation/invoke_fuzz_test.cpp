@@ -23,6 +23,7 @@
 
 #include "KavrelCE_h.h"
 #include "automation/support/event_recorder.h"
+#include "automation/support/every_class.h"
 #include "automation/support/late_call.h"
 #include "automation/support/library.h"
 #include "automation/support/plain_dispatch.h"
@@ -45,13 +46,6 @@ const std::set<HRESULT> kStatuses = {S_OK,
                                      DISP_E_MEMBERNOTFOUND,
                                      DISP_E_PARAMNOTFOUND,
                                      DISP_E_BADVARTYPE};
-
-constexpr wchar_t kSentences[] =
-    L"$GPGGA,120410.00,4730.0000,N,00843.0000,E,1,08,1.1,432.5,M,47.9,M,,\r\n"
-    L"$GPRMC,120411,A,4730,N,00843,W,22.4,84.4,230394,3.1,W\r\n"
-    L"$GPGLL,4730,S,00843,E,120412,A\r\n"
-    L"$GPGSV,1,1,02,02,61,103,44,05,23,288,38\r\n"
-    L"$GPGSA,A,3,02,05,,,,,,,,,,,1.9,1.1,1.6\r\n";
 
 unsigned Setting(const char* name, unsigned otherwise) {
     const char* const text = std::getenv(name);
@@ -111,27 +105,11 @@ class Host {
 
     // An object of each class, and a position more.
     void MakeObjects() {
-        static constexpr const char* kOfEvents[] = {"INmeaSentence", "INmeaGGA",    "INmeaGLL",
-                                                    "INmeaRMC",      "ISatellites", "IGpsFix",
-                                                    "IMovement",     "IQuality",    "IComStatus"};
-        const ComPtr<IDispatch> parser = CreateParser();
-        Add(parser, "INmeaParser");
+        for (const ObjectMaker& maker : EveryClass())
+            Add(maker.make(), maker.interfaceName);
         Add(CreateDirectly(CLSID_Position), "IPosition");
-        Add(CreateDirectly(CLSID_Position), "IPosition");
-        Add(CreateDirectly(CLSID_CustomGrid), "ICustomGrid");
-        Add(CreateDirectly(CLSID_CustomDatum), "ICustomDatum");
-        listener_.emplace(parser.Get());
-        tests::Call(parser.Get(), L"Parse", {kSentences});
-        std::set<DISPID> seen;
-        for (const RecordedEvent& event : (*listener_)->events()) {
-            IDispatch* const object = event.arguments.at(0).object();
-            if (!seen.insert(event.id).second) continue;
-            Add(object, kOfEvents[event.id - 1]);
-            if (event.id == kOnSatellites)
-                Add(Get(object, L"Item", {1}).value.object(), "ISatellite");
-        }
-        EXPECT_EQ(std::size(kOfEvents), seen.size());
         objects_.push_back(foreign_);
+        listener_.emplace(targets_.front().object.Get());
         (*listener_)->SetReaction([this](const RecordedEvent& event) { return React(event); });
     }
 
@@ -228,7 +206,7 @@ class Host {
         DWORD cookie = 0;
         EXPECT_EQ(CONNECT_E_NOCONNECTION, point->Unadvise(cookie));
         EXPECT_EQ(S_OK, point->Advise(foreign_.Get(), &cookie));
-        if (random_.OneIn(2)) tests::Call(target.object.Get(), L"Parse", {kSentences});
+        if (random_.OneIn(2)) tests::Call(target.object.Get(), L"Parse", {kEverySentence});
         EXPECT_EQ(S_OK, point->Unadvise(cookie));
     }
 

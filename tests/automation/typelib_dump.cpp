@@ -133,11 +133,12 @@ TypeDescription DescribeType(ITypeInfo* info) {
     TYPEATTR* attributes = nullptr;
     if (FAILED(info->GetTypeAttr(&attributes))) return type;
     type.name = NameOf(info);
+    type.id = attributes->guid;
     type.text = NameOf(attributes->typekind, {{TKIND_ENUM, "enum"},
                                               {TKIND_INTERFACE, "interface"},
                                               {TKIND_DISPATCH, "dispinterface"},
                                               {TKIND_COCLASS, "coclass"}}) +
-                ' ' + type.name + ' ' + GuidText(attributes->guid) + " {" +
+                ' ' + type.name + ' ' + GuidText(type.id) + " {" +
                 FlagNames(attributes->wTypeFlags, {{TYPEFLAG_FCANCREATE, "creatable"},
                                                    {TYPEFLAG_FDUAL, "dual"},
                                                    {TYPEFLAG_FOLEAUTOMATION, "oleautomation"},

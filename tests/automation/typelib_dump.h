@@ -24,6 +24,7 @@ struct MemberDescription {
 // One type of a library. Of a dual interface this is the vtable side.
 struct TypeDescription {
     std::string name;
+    GUID id = GUID_NULL;
     std::vector<MemberDescription> members;
     // All of it: a line for the type and one for each interface, member and constant.
     std::string text;

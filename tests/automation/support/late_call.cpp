@@ -73,12 +73,11 @@ CallResult InvokeByTypeInfo(IDispatch* object, DISPID id, WORD kinds, const Argu
     return CallBy(invoke, kinds, arguments);
 }
 
-CallResult CallVtable(IDispatch* object, REFIID interfaceId, const MemberDescription& member,
-                      const Vars& arguments) {
+CallResult CallVtable(IDispatch* object, const TypeDescription& type,
+                      const MemberDescription& member, const Vars& arguments) {
     CallResult call;
     ComPtr<IUnknown> dual;
-    call.failure =
-        object->QueryInterface(interfaceId, reinterpret_cast<void**>(dual.GetAddressOf()));
+    call.failure = object->QueryInterface(type.id, reinterpret_cast<void**>(dual.GetAddressOf()));
     if (FAILED(call.failure)) return call;
 
     Vars passed = arguments;
@@ -86,8 +85,11 @@ CallResult CallVtable(IDispatch* object, REFIID interfaceId, const MemberDescrip
     std::vector<VARTYPE> types;
     std::vector<VARIANT*> pointers;
     for (size_t i = 0; i < passed.size(); ++i) {
-        if (member.parameters[i].starts_with("[out retval]")) passed[i] = Var::To(call.value);
         const bool isIn = member.parameters[i].starts_with("[in");
+        if (!isIn && i >= arguments.size()) {
+            call.value = L"held before";
+            passed[i] = Var::To(call.value);
+        }
         types.push_back(isIn ? VT_VARIANT : VT_BYREF | VT_VARIANT);
         pointers.push_back(passed[i].get());
     }

@@ -43,10 +43,10 @@ CallResult InvokeById(IDispatch* object, DISPID id, WORD kinds, const Arguments&
 // ITypeInfo::Invoke of the type information that the object gives.
 CallResult InvokeByTypeInfo(IDispatch* object, DISPID id, WORD kinds, const Arguments& arguments);
 
-// The vtable's place of the member. `interfaceId` is the object's dual interface; arguments that
-// are not given are passed as missing ones.
-CallResult CallVtable(IDispatch* object, REFIID interfaceId, const MemberDescription& member,
-                      const Vars& arguments);
+// The vtable's place of the member of the object's dual interface. Arguments that are not given are
+// passed as missing ones, and as a place for a result one that holds something.
+CallResult CallVtable(IDispatch* object, const TypeDescription& type,
+                      const MemberDescription& member, const Vars& arguments);
 
 // By name, as a script does it. An unknown name is a failure like any other.
 CallResult Call(IDispatch* object, const wchar_t* name, const Vars& arguments = {});
