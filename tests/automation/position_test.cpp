@@ -8,6 +8,7 @@
 
 #include "KavrelCE_h.h"
 #include "automation/support/late_call.h"
+#include "automation/support/plain_dispatch.h"
 #include "automation/support/positions.h"
 
 using Microsoft::WRL::ComPtr;
@@ -15,8 +16,6 @@ using Microsoft::WRL::ComPtr;
 namespace kavrel::tests {
 
 namespace {
-
-constexpr const char* kNoObject = "80004002 Parameter not a valid object! (Position Class)";
 
 // A variant that refers to a plain variable, as languages with types pass them.
 template <typename Value>
@@ -117,127 +116,16 @@ TEST_F(PositionTest, DmsNeedsSomethingToWriteTo) {
               Call(p.Get(), L"LatitudeDMS", {good.arguments[0], good.arguments[1]}).status);
 }
 
-TEST_F(PositionTest, CompiledClientsPassingNull) {
-    ComPtr<IPosition> p;
-    ASSERT_EQ(S_OK, NewPosition().As(&p));
-    VARIANT v;
-    VariantInit(&v);
-    for (const auto member : {&IPosition::LatitudeDMS, &IPosition::LongitudeDMS}) {
-        EXPECT_EQ(E_POINTER, (p.Get()->*member)(nullptr, &v, &v, &v));
-        EXPECT_EQ(E_POINTER, (p.Get()->*member)(&v, nullptr, &v, &v));
-        EXPECT_EQ(E_POINTER, (p.Get()->*member)(&v, &v, nullptr, &v));
-        EXPECT_EQ(E_POINTER, (p.Get()->*member)(&v, &v, &v, nullptr));
-    }
-    EXPECT_EQ(VT_EMPTY, V_VT(&v));
-    EXPECT_EQ(E_POINTER, p->get_Latitude(nullptr));
-    EXPECT_EQ(E_POINTER, p->get_ModifiedCount(nullptr));
-    EXPECT_EQ(E_POINTER, p->Copy(nullptr));
-    EXPECT_EQ(E_POINTER, p->Altitude(v, nullptr));
-    EXPECT_EQ(E_POINTER, p->IsSameGrid(v, nullptr));
-    EXPECT_EQ(E_POINTER, p->Distance(v, v, nullptr));
-}
-
 // Claims to be a position, but is none of ours: it is refused, not cast.
-class FakePosition final : public IDispatch {
-  public:
-    STDMETHODIMP QueryInterface(REFIID id, void** object) override {
-        const bool isOffered = id == IID_IUnknown || id == IID_IDispatch || id == IID_IPosition;
-        *object = isOffered ? this : nullptr;
-        return isOffered ? S_OK : E_NOINTERFACE;
-    }
-    STDMETHODIMP_(ULONG) AddRef() override { return 2; }
-    STDMETHODIMP_(ULONG) Release() override { return 1; }
-    STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
-        return E_NOTIMPL;
-    }
-    STDMETHODIMP Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
-                        UINT*) override {
-        return E_NOTIMPL;
-    }
+class FakePosition final : public PlainDispatch {
+    bool Offers(REFIID id) const override { return id == IID_IPosition; }
 };
 
-TEST_F(PositionTest, WrongObjectsAreRefused) {
-    const ComPtr<IDispatch> p = NewPosition();
-    const ComPtr<IDispatch> grid = CreateByName(L"KavrelCE.CustomGrid");
-    const ComPtr<IDispatch> datum = CreateByName(L"KavrelCE.CustomDatum");
-    FakePosition fake;
-    const Vars wrong = {&fake, 5, L"text", true, 1.5, Var(), Var::Missing(), CreateParser().Get()};
-    struct Case {
-        const wchar_t* member;
-        Vars more;
-        IDispatch* wrong[2];
-        const char* null;
-    };
-    const char* const nullPosition = "80042713 Position may not be null. (Position Class)";
-    const Case cases[] = {
-        {L"Distance", {1}, {grid.Get(), datum.Get()}, nullPosition},
-        {L"Bearing", {1}, {grid.Get(), datum.Get()}, nullPosition},
-        {L"IsSameDatum", {}, {grid.Get(), datum.Get()}, "BOOL 0"},
-        {L"IsSameGrid", {}, {grid.Get(), datum.Get()}, "BOOL 0"},
-        {L"MakeSameDatum", {}, {grid.Get(), datum.Get()}, ""},
-        {L"MakeSameGrid", {}, {grid.Get(), datum.Get()}, ""},
-        {L"&CustomDatum",
-         {},
-         {grid.Get(), p.Get()},
-         "80042713 CustomDatum may not be null. (Position Class)"},
-        {L"&CustomGrid",
-         {},
-         {datum.Get(), p.Get()},
-         "80042713 CustomGrid may not be null. (Position Class)"},
-    };
-    for (const Case& test : cases) {
-        const auto expect = [&](const Var& object, const char* outcome) {
-            Vars arguments = {object};
-            arguments.insert(arguments.end(), test.more.begin(), test.more.end());
-            ExpectSteps(p.Get(), {{test.member, arguments, outcome}});
-        };
-        for (const Var& object : wrong)
-            expect(object, kNoObject);
-        for (IDispatch* const object : test.wrong)
-            expect(object, kNoObject);
-        expect(static_cast<IDispatch*>(nullptr), test.null);
-        expect(Var::Of(VT_NULL), test.null);
-    }
-    ExpectSteps(p.Get(), {{L"ModifiedCount", {}, "I4 0"}});
-}
-
-TEST_F(PositionTest, ArgumentsMayBeGivenByReference) {
-    const ComPtr<IDispatch> p = PositionAt(0, 0);
-    const ComPtr<IDispatch> other = PositionAt(1, 0);
-    IDispatch* pointer = other.Get();
-    IUnknown* unknown = other.Get();
-    Var variable = other.Get();
-    Var byUnknown = Var::Of(VT_UNKNOWN);
-    V_UNKNOWN(byUnknown.get()) = unknown;
-    unknown->AddRef();
-    for (const Var& form :
-         {Var::To(variable), RefTo(VT_DISPATCH, pointer), RefTo(VT_UNKNOWN, unknown), byUnknown}) {
-        ExpectSteps(p.Get(), {{L"Distance", {form, 2}, "R8 0.0174533"}});
-    }
-
-    BSTR text = SysAllocString(L"31U");
-    Var textVariable = L"31U";
-    short number = 31;
-    for (const Var& form : {RefTo(VT_BSTR, text), Var::To(textVariable), RefTo(VT_I2, number)}) {
-        ExpectSteps(p.Get(), {{L"=Grid", {1}, ""},
-                              {L"=Zone", {32}, ""},
-                              {L"=Zone", {form}, ""},
-                              {L"Zone", {}, "BSTR '31N'"}});
-    }
-    SysFreeString(text);
-}
-
-// A failing member has written its result, which is 0.
-TEST_F(PositionTest, AFailingMemberHasWrittenItsResult) {
-    ComPtr<IPosition> p;
-    ASSERT_EQ(S_OK, NewPosition().As(&p));
-    Var result = L"something to be freed";
-    EXPECT_EQ(static_cast<HRESULT>(0x80042713),
-              p->Distance(*Var(p.Get()).get(), *Var(4).get(), result.get()));
-    EXPECT_EQ("R8 0", Describe(result));
-    EXPECT_TRUE(TakeErrorObject().value().interfaceId == IID_IPosition);
+TEST_F(PositionTest, OtherProgramsPositionsAreRefused) {
+    const ComPtr<FakePosition> fake(new FakePosition);
+    ExpectSteps(NewPosition().Get(), {{L"Distance",
+                                       {fake.Get(), 1},
+                                       "80004002 Parameter not a valid object! (Position Class)"}});
 }
 
 ComPtr<IObjectSafety> SafetyOf(const ComPtr<IDispatch>& object) {

@@ -1,4 +1,4 @@
-// PlainDispatch: an object of a client's own, without what of IDispatch no test needs.
+// PlainDispatch: an object of a client's own, with as much of IDispatch as tests need.
 #pragma once
 
 #include <oaidl.h>
@@ -31,6 +31,10 @@ class PlainDispatch : public IDispatch {
     STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
     STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
         return DISP_E_UNKNOWNNAME;
+    }
+    STDMETHODIMP Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
+                        UINT*) override {
+        return DISP_E_MEMBERNOTFOUND;
     }
 
   protected:
