@@ -1,6 +1,6 @@
-' Events in a host whose scripts receive them: every one of them, and what may be done inside.
+' Events in a host whose scripts receive them: every one, with its objects, by type and interval.
 Option Explicit
-Dim parser, log, kept, mode
+Dim parser, log
 Set parser = CreateObject("KavrelCE.NmeaParser")
 WScript.ConnectObject parser, "parser_"
 
@@ -35,30 +35,10 @@ Next
 Same "intervals", UBound(Split(log, "Fix 3")), 3
 Same "GGA nevertheless", UBound(Split(log, "GGA 8")), 12
 
-' Parse inside an event, and an end of the connection.
-mode = "parse"
-Expect "$GPXXX,1" & vbCrLf & "$GPXXX,2", "Generic XXX;Generic XXX;Generic YYY;"
-mode = "disconnect"
-Expect "$GPXXX,1" & vbCrLf & "$GPXXX,2", "Generic XXX;"
-
-' A sentence lives on, and can be changed.
-Set parser = Nothing
-kept.Sentence = "$GPXXX,a,b*4C"
-kept.SetField 5, "x"
-Same "rebuilt", kept.Sentence, "$GPXXX,a,b,,,x*18"
-kept.FullCommand = "PGRME"
-Same "command", kept.Command & kept.FieldsCount & kept.Fields("2"), "RME5b"
 WScript.Echo "SCRIPT OK"
 
 Sub parser_Generic(sentence)
-    Set kept = sentence
     Add "Generic " & sentence.Command
-    If mode = "parse" Then
-        mode = ""
-        parser.Parse "$GPYYY" & vbCrLf
-    ElseIf mode = "disconnect" Then
-        WScript.DisconnectObject parser
-    End If
 End Sub
 Sub parser_GGA(gga, sentence)
     Add "GGA " & gga.SatellitesInView & " " & gga.HDOP & " " & sentence.Command
