@@ -17,15 +17,6 @@ namespace kavrel::tests {
 
 namespace {
 
-// A variant that refers to a plain variable, as languages with types pass them.
-template <typename Value>
-Var RefTo(VARTYPE type, Value& value) {
-    Var reference;
-    V_VT(reference.get()) = static_cast<VARTYPE>(VT_BYREF | type);
-    V_BYREF(reference.get()) = &value;
-    return reference;
-}
-
 // Four variables of a script, and the arguments that refer to them.
 struct DmsVariables {
     Var values[4];
@@ -78,8 +69,8 @@ TEST_F(PositionTest, DmsIntoTypedVariables) {
     float seconds = 0;
     BSTR hemisphere = SysAllocString(L"what was in it before is freed");
     ExpectSteps(p.Get(), {{L"LatitudeDMS",
-                           {RefTo(VT_I2, degrees), RefTo(VT_I4, minutes), RefTo(VT_R4, seconds),
-                            RefTo(VT_BSTR, hemisphere)},
+                           {Var::Reference(VT_I2, &degrees), Var::Reference(VT_I4, &minutes),
+                            Var::Reference(VT_R4, &seconds), Var::Reference(VT_BSTR, &hemisphere)},
                            ""}});
     EXPECT_EQ(10, degrees);
     EXPECT_EQ(30, minutes);
@@ -89,7 +80,7 @@ TEST_F(PositionTest, DmsIntoTypedVariables) {
 
     CHAR tooSmall = 7;
     DmsVariables variables;
-    variables.arguments[0] = RefTo(VT_I1, tooSmall);
+    variables.arguments[0] = Var::Reference(VT_I1, &tooSmall);
     EXPECT_EQ(DISP_E_OVERFLOW,
               Call(PositionAt(0, 179).Get(), L"LongitudeDMS", variables.arguments).status);
     EXPECT_EQ(7, tooSmall);
@@ -102,7 +93,7 @@ TEST_F(PositionTest, DmsNeedsSomethingToWriteTo) {
     for (unsigned place = 0; place < 4; ++place) {
         Vars bad = {5, Var(), Var::Missing(), Var::Of(VT_BYREF | VT_VARIANT),
                     Var::Of(VT_BYREF | VT_R8)};
-        if (place == 3) bad.push_back(RefTo(VT_I4, number));
+        if (place == 3) bad.push_back(Var::Reference(VT_I4, &number));
         for (const Var& variable : bad) {
             Vars arguments = good.arguments;
             arguments[place] = variable;

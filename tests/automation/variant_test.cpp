@@ -41,12 +41,6 @@ Var Bool(short value) {
     return var;
 }
 
-Var Reference(int type, void* to) {
-    Var var = Var::Of(static_cast<VARTYPE>(VT_BYREF | type));
-    V_BYREF(var.get()) = to;
-    return var;
-}
-
 // Everything that has no value, whatever is asked for: null in all kinds of wrapping.
 Vars Valueless() {
     Vars values = {Var(), Var::Of(VT_NULL), Var::Missing(), Var::Of(VT_DISPATCH),
@@ -122,12 +116,12 @@ TEST_F(VariantTest, NumbersAreCoerced) {
 
 TEST_F(VariantTest, ReferencesAreFollowed) {
     short number = 12;
-    Var toNumber = Reference(VT_I2, &number);
+    Var toNumber = Var::Reference(VT_I2, &number);
     Var text = L"7";
     EXPECT_EQ(12, ToInt16(*toNumber.get()));
     EXPECT_EQ(12, ToInt32(*Var::To(toNumber).get())) << "a reference behind a reference";
     EXPECT_EQ("12", TextArgument(*Var::To(toNumber).get()).view());
-    for (const Var& toText : {Reference(VT_BSTR, &V_BSTR(text.get())), Var::To(text)}) {
+    for (const Var& toText : {Var::Reference(VT_BSTR, &V_BSTR(text.get())), Var::To(text)}) {
         EXPECT_EQ(7, ToInt16(*toText.get()));
         EXPECT_EQ("7", TextArgument(*toText.get()).view());
         EXPECT_TRUE(IsText(*toText.get()));
@@ -181,7 +175,7 @@ Var Array(VARTYPE type, const Vars& elements, LONG lower = 0, UINT dimensions = 
 TEST_F(VariantTest, ArraysGiveBytes) {
     const Vars bytes = {1, 2, 0, 255};
     Var array = Array(VT_UI1, bytes);
-    const Var byReference = Reference(VT_ARRAY | VT_UI1, &V_ARRAY(array.get()));
+    const Var byReference = Var::Reference(VT_ARRAY | VT_UI1, &V_ARRAY(array.get()));
     for (const Var& value :
          {array, Array(VT_UI1, bytes, 1), Array(VT_UI1, bytes, -3), Array(VT_UI1, bytes, 1000),
           Var::To(array), byReference, Array(VT_VARIANT, {L"1", 2.4, Var::Of(VT_NULL), -1}),
@@ -225,20 +219,20 @@ TEST_F(VariantTest, ObjectsAreAskedForTheirInterface) {
         {direct, S_OK, held},
         {unknown, S_OK, held},
         {Var::To(direct), S_OK, held},
-        {Reference(VT_DISPATCH, &held), S_OK, held},
-        {Reference(VT_UNKNOWN, &held), S_OK, held},
+        {Var::Reference(VT_DISPATCH, &held), S_OK, held},
+        {Var::Reference(VT_UNKNOWN, &held), S_OK, held},
         {null, S_OK, nullptr},
         {Var::To(null), S_OK, nullptr},
         {Var::Of(VT_DISPATCH), S_OK, nullptr},
         {Var::Of(VT_UNKNOWN), S_OK, nullptr},
-        {Reference(VT_DISPATCH, &nothing), S_OK, nullptr},
-        {Reference(VT_UNKNOWN, nullptr), S_OK, nullptr},
+        {Var::Reference(VT_DISPATCH, &nothing), S_OK, nullptr},
+        {Var::Reference(VT_UNKNOWN, nullptr), S_OK, nullptr},
         {Var(), E_NOINTERFACE, nullptr},
         {5, E_NOINTERFACE, nullptr},
         {L"text", E_NOINTERFACE, nullptr},
         {Var::Missing(), E_NOINTERFACE, nullptr},
         {Var::Of(VT_ARRAY | VT_DISPATCH), E_NOINTERFACE, nullptr},
-        {Reference(VT_VARIANT, nullptr), E_NOINTERFACE, nullptr},
+        {Var::Reference(VT_VARIANT, nullptr), E_NOINTERFACE, nullptr},
     };
     for (const auto& test : cases) {
         ComPtr<IDispatch> found;

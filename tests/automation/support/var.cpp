@@ -68,10 +68,9 @@ Var Var::Missing() {
     return var;
 }
 
-Var Var::To(Var& other) {
-    Var var;
-    V_VT(&var.value_) = VT_BYREF | VT_VARIANT;
-    V_VARIANTREF(&var.value_) = other.get();
+Var Var::Reference(int type, void* to) {
+    Var var = Of(static_cast<VARTYPE>(VT_BYREF | type));
+    V_BYREF(&var.value_) = to;
     return var;
 }
 

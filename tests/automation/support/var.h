@@ -29,8 +29,10 @@ class Var {
     // An omitted argument.
     static Var Missing();
 
-    // A reference to another variant, as VBScript passes its variables. The other must live on.
-    static Var To(Var& other);
+    // A reference to a value of that type, as languages with types pass their variables, or to
+    // another variant, as VBScript does. What it refers to must live on.
+    static Var Reference(int type, void* to);
+    static Var To(Var& other) { return Reference(VT_VARIANT, other.get()); }
 
     VARTYPE type() const { return V_VT(&value_); }
     VARIANT* get() { return &value_; }
