@@ -6,9 +6,8 @@
 #include <vector>
 
 #include "KavrelCE_h.h"
-#include "automation/support/event_recorder.h"
-#include "automation/support/late_call.h"
 #include "automation/support/library.h"
+#include "automation/support/var.h"
 
 using Microsoft::WRL::ComPtr;
 
@@ -37,15 +36,6 @@ void ExpectNone(HRESULT expected, const Call& call) {
     void* object = &object;
     EXPECT_EQ(expected, call(&object));
     EXPECT_EQ(nullptr, object);
-}
-
-TEST_P(CreatableClassTest, IsFoundByItsName) {
-    for (const wchar_t* version : {L"", L".1"}) {
-        CLSID classId = {};
-        ASSERT_EQ(S_OK, CLSIDFromProgID((GetParam().ProgId() + version).c_str(), &classId));
-        EXPECT_TRUE(classId == GetParam().classId);
-    }
-    EXPECT_TRUE(CreateByName(GetParam().ProgId()));
 }
 
 TEST_P(CreatableClassTest, ObjectHasItsInterfaces) {
@@ -126,12 +116,6 @@ TEST_F(ModuleTest, OtherClassesCannotBeCreated) {
         ExpectNone(CLASS_E_CLASSNOTAVAILABLE,
                    [&](void** none) { return GetClassObjectOf(*other, IID_IClassFactory, none); });
     }
-}
-
-TEST_F(ModuleTest, SentenceOutlivesItsParser) {
-    const ComPtr<IDispatch> sentence = MakeSentence(L"$GPXXX,a,b");
-    EXPECT_EQ(S_FALSE, CanUnloadNow());
-    EXPECT_EQ(L"b", Call(sentence.Get(), L"Fields", {2}).value.text());
 }
 
 TEST_F(ModuleTest, EnumerationsKeepTheModule) {

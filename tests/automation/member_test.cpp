@@ -150,6 +150,11 @@ TEST_P(MemberTest, NullIsNoPlaceForAResult) {
     }
 }
 
+TEST_P(MemberTest, ObjectKeepsTheModule) {
+    const ComPtr<IDispatch> object = GetParam().make();
+    EXPECT_EQ(S_FALSE, CanUnloadNow());
+}
+
 TEST_P(MemberTest, ErrorsAreOfItsInterface) {
     ComPtr<ISupportErrorInfo> support;
     ASSERT_EQ(S_OK, GetParam().make().As(&support));

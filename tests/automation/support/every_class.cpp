@@ -43,6 +43,7 @@ std::span<const ObjectMaker> EveryClass() {
 }
 
 ComPtr<IDispatch> LastObjectOf(IDispatch* parser, DISPID event, const std::wstring& text) {
+    if (parser == nullptr) return nullptr;
     const Listener listener(parser);
     Call(parser, L"Parse", {text});
     ComPtr<IDispatch> last;

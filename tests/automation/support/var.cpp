@@ -87,41 +87,36 @@ int Var::number() const {
 }
 
 std::string Describe(const VARIANT& value) {
-    std::ostringstream text;
+    const auto told = [](const char* type, const auto& content) {
+        std::ostringstream text;
+        text << type << ' ' << content;
+        return text.str();
+    };
     switch (V_VT(&value)) {
         case VT_EMPTY:
             return "EMPTY";
         case VT_UI1:
-            text << "UI1 " << int{V_UI1(&value)};
-            break;
+            return told("UI1", int{V_UI1(&value)});
         case VT_I2:
-            text << "I2 " << V_I2(&value);
-            break;
+            return told("I2", V_I2(&value));
         case VT_I4:
-            text << "I4 " << V_I4(&value);
-            break;
+            return told("I4", V_I4(&value));
         case VT_R4:
-            text << "R4 " << V_R4(&value);
-            break;
+            return told("R4", V_R4(&value));
         case VT_R8:
-            text << "R8 " << V_R8(&value);
-            break;
+            return told("R8", V_R8(&value));
         case VT_DATE:
-            text << "DATE " << V_DATE(&value);
-            break;
+            return told("DATE", V_DATE(&value));
         case VT_BOOL:
-            text << "BOOL " << V_BOOL(&value);
-            break;
+            return told("BOOL", V_BOOL(&value));
         case VT_BSTR:
             if (V_BSTR(&value) == nullptr) return "BSTR null";
-            text << "BSTR '" << Narrow({V_BSTR(&value), SysStringLen(V_BSTR(&value))}) << "'";
-            break;
+            return "BSTR '" + Narrow({V_BSTR(&value), SysStringLen(V_BSTR(&value))}) + "'";
         case VT_DISPATCH:
             return V_DISPATCH(&value) == nullptr ? "DISPATCH null" : "DISPATCH object";
         default:
-            text << "type " << V_VT(&value);
+            return told("type", V_VT(&value));
     }
-    return text.str();
 }
 
 std::string Narrow(const std::wstring& text) {
