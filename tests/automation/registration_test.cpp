@@ -1,27 +1,66 @@
-// Registration: exactly which keys and values DllRegisterServer writes, and when
-// DllUnregisterServer takes them back.
+// Registration: exactly which keys and values DllRegisterServer writes, when DllUnregisterServer
+// takes them back, and what comes of a registry that refuses or a type library that is missing.
 //
 // The test leaves the library registered, as it found it.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <ocidl.h>
 #include <ole2.h>
 
-#include <array>
-#include <fstream>
 #include <map>
-#include <sstream>
 #include <string>
 
 #include "KavrelCE_h.h"
-#include "automation/support/import_hook.h"
-#include "automation/support/registration_fixture.h"
+#include "automation/support/failing_import.h"
+#include "automation/support/late_call.h"
+#include "automation/support/library.h"
 #include "automation/support/steps.h"
+#include "table.h"
+
+using Microsoft::WRL::ComPtr;
 
 namespace kavrel::tests {
 
 namespace {
 
-constexpr const char* kTable = KAVREL_TEST_DATA "/registration/keys.csv";
+// The count of the module's users is kept under the name it would have in the system's directory:
+// that of the device's core library, where there is one.
+std::wstring UsageName() {
+    wchar_t path[MAX_PATH] = {};
+    const HMODULE core = GetModuleHandleW(L"coredll.dll");
+    if (core == nullptr) {
+        GetSystemDirectoryW(path, MAX_PATH);
+        return std::wstring(path) + L"\\KavrelCE.dll";
+    }
+    GetModuleFileNameW(core, path, MAX_PATH);
+    const std::wstring text(path);
+    return text.substr(0, text.rfind(L'\\') + 1) + L"KavrelCE.dll";
+}
+
+class RegistrationTest : public AutomationTest {
+  protected:
+    static constexpr wchar_t kUsageKey[] = L"Software\\Apps\\Shared";
+
+    void SetUp() override {
+        AutomationTest::SetUp();
+        ClearUsage();
+        ASSERT_EQ(S_OK, RegisterServer());
+    }
+    void TearDown() override {
+        ClearUsage();
+        EXPECT_EQ(S_OK, RegisterServer());
+        AutomationTest::TearDown();
+    }
+
+    static void SetUsage(DWORD type, const void* data, DWORD size,
+                         const std::wstring& name = UsageName()) {
+        ASSERT_EQ(ERROR_SUCCESS,
+                  RegSetKeyValueW(HKEY_CLASSES_ROOT, kUsageKey, name.c_str(), type, data, size));
+    }
+    static void SetUsageCount(DWORD count) { SetUsage(REG_DWORD, &count, sizeof count); }
+
+    static void ClearUsage() { RegDeleteTreeW(HKEY_CLASSES_ROOT, L"Software\\Apps"); }
+};
 
 // Texts by "key path|value name"; each key has at least its own, with an empty name.
 using Snapshot = std::map<std::string, std::string>;
@@ -96,24 +135,15 @@ std::string Filled(std::string text, const CreatableClass& creatable) {
 // The registry holds the table's rows and nothing else; unregistered, only those of the system.
 void ExpectKeys(bool isRegistered) {
     Snapshot found = TakeSnapshot();
-    std::ifstream file(kTable);
-    EXPECT_TRUE(file) << kTable;
-    int number = 0;
-    for (std::string line; std::getline(file, line);) {
-        ++number;
-        if (line.starts_with('#') || line.starts_with("classes,")) continue;
-        std::array<std::string, 4> fields;  // classes, key, value, text
-        std::istringstream stream(line);
-        for (std::string& field : fields)
-            std::getline(stream, field, ',');
-        const auto& [classes, key, value, text] = fields;
-        if (!isRegistered && classes != "system") continue;
+    for (const TableRow& row : ReadTable("registration/keys.csv")) {
+        const std::string classes = row[0];
+        if (classes == "classes" || (classes != "system" && !isRegistered)) continue;
         for (const CreatableClass& creatable : CreatableClasses()) {
             const bool isFree = creatable.ProgId().find(L"Custom") != std::wstring::npos;
             if (classes == (isFree ? "safe" : "free")) continue;
-            const auto row = found.extract(Filled(key + "|" + value, creatable));
-            EXPECT_EQ(Filled(text, creatable), row ? row.mapped() : "nothing")
-                << kTable << ":" << number << ", " << Narrow(creatable.name);
+            const auto entry = found.extract(Filled(row[1] + "|" + row[2], creatable));
+            EXPECT_EQ(Filled(row[3], creatable), entry ? entry.mapped() : "nothing")
+                << row.where << ", " << Narrow(creatable.name);
             if (classes == "system") break;
         }
     }
@@ -189,14 +219,17 @@ TEST_F(RegistrationTest, OtherCountsRemoveNothing) {
     }
 }
 
-// The class keys go whole, with what others have put into them.
+// The class keys go whole, with what others have put into them. What a client holds still works,
+// but its errors have no source.
 TEST_F(RegistrationTest, LastUserRemovesEverythingMarked) {
+    const ComPtr<IDispatch> parser = CreateParser();
     SetForeignValue();
     SetUsageCount(1);
     EXPECT_EQ(S_OK, UnregisterServer());
     ExpectKeys(false);
     EXPECT_EQ("", TypeLibraryPath());
     EXPECT_FALSE(CreateParser());
+    ExpectSteps(parser.Get(), {{L"=GpsDatum", {0}, "80042713 Unknown datum!"}});
 
     EXPECT_EQ(S_OK, UnregisterServer()) << "again, with nothing left";
     ExpectKeys(false);
@@ -205,12 +238,79 @@ TEST_F(RegistrationTest, LastUserRemovesEverythingMarked) {
     EXPECT_TRUE(CreateParser());
 }
 
-// A class that is no longer registered has no source in its errors, and works.
-TEST_F(RegistrationTest, LiveObjectsOutliveTheRegistration) {
-    const Microsoft::WRL::ComPtr<IDispatch> parser = CreateParser();
+constexpr LSTATUS kDenied = ERROR_ACCESS_DENIED;
+constexpr HRESULT kNoTypeLibrary = TYPE_E_CANTLOADLIBRARY;
+
+// Registers or unregisters while each call of a function fails in turn: alternately it alone and
+// all from there on, for the classes' scripts are alike.
+template <typename Function>
+void ExpectResult(HRESULT expected, HRESULT run(), const char* name, auto failure) {
+    bool hasFailed = true;
+    for (int n = 1; hasFailed; ++n) {
+        if (run == UnregisterServer) RegisterServer();
+        const Failing failing = n % 2 != 0 ? Failing::FromThenOn : Failing::Once;
+        const FailingImport<Function> fault(name, n, failure, failing);
+        const HRESULT result = run();
+        hasFailed = fault.HasFailed();
+        EXPECT_EQ(hasFailed ? expected : S_OK, result) << name << ", call " << n;
+        EXPECT_TRUE(hasFailed || n > 1) << name << " is never called";
+    }
+}
+
+TEST_F(RegistrationTest, FirstFailureIsReturned) {
+    const auto run = RegisterServer;
+    ExpectResult<decltype(RegCreateKeyExW)>(E_ACCESSDENIED, run, "RegCreateKeyExW", kDenied);
+    ExpectResult<decltype(RegOpenKeyExW)>(E_ACCESSDENIED, run, "RegOpenKeyExW", kDenied);
+    ExpectResult<decltype(RegSetValueExW)>(E_ACCESSDENIED, run, "RegSetValueExW", kDenied);
+    ExpectResult<decltype(RegDeleteKeyW)>(E_ACCESSDENIED, run, "RegDeleteKeyW", kDenied);
+    ExpectResult<decltype(RegisterTypeLib)>(TYPE_E_REGISTRYACCESS, run, "RegisterTypeLib",
+                                            TYPE_E_REGISTRYACCESS);
+    ExpectResult<decltype(LoadTypeLib)>(kNoTypeLibrary, run, "LoadTypeLib", kNoTypeLibrary);
+}
+
+TEST_F(RegistrationTest, UnregisteringNeverFails) {
     SetUsageCount(1);
-    EXPECT_EQ(S_OK, UnregisterServer());
-    ExpectSteps(parser.Get(), {{L"=GpsDatum", {0}, "80042713 Unknown datum!"}});
+    const auto run = UnregisterServer;
+    ExpectResult<decltype(RegOpenKeyExW)>(S_OK, run, "RegOpenKeyExW", kDenied);
+    ExpectResult<decltype(RegQueryValueExW)>(S_OK, run, "RegQueryValueExW", kDenied);
+    ExpectResult<decltype(RegEnumKeyExW)>(S_OK, run, "RegEnumKeyExW", kDenied);
+    ExpectResult<decltype(RegDeleteKeyW)>(S_OK, run, "RegDeleteKeyW", kDenied);
+    ExpectResult<decltype(LoadTypeLib)>(S_OK, run, "LoadTypeLib", kNoTypeLibrary);
+}
+
+// Our own tables serve all but what only the type library knows. Once it was loaded it is kept, so
+// this is the only test of the program that asks an object for it.
+TEST_F(RegistrationTest, ObjectsWorkWithoutATypeLibrary) {
+    const ComPtr<IDispatch> datum = CreateDirectly(CLSID_CustomDatum);
+    ASSERT_TRUE(datum);
+    wchar_t member[] = L"EventInterval";
+    wchar_t argument[] = L"Interval";
+    LPOLESTR names[] = {member, argument};
+    DISPID ids[2] = {};
+    {
+        const FailingImport<decltype(LoadTypeLib)> missing("LoadTypeLib", 1, kNoTypeLibrary,
+                                                           Failing::FromThenOn);
+        EXPECT_EQ(S_OK, Put(datum.Get(), L"SemiMajorAxis", 2.5).status);
+        EXPECT_EQ("R8 2.5", Describe(Get(datum.Get(), L"SemiMajorAxis").value));
+
+        ITypeInfo* type = nullptr;
+        EXPECT_EQ(kNoTypeLibrary, datum->GetTypeInfo(0, LOCALE_USER_DEFAULT, &type));
+        EXPECT_EQ(nullptr, type);
+        const ComPtr<IDispatch> parser = CreateParser();
+        ComPtr<IProvideClassInfo> information;
+        ASSERT_EQ(S_OK,
+                  parser->QueryInterface(IID_IProvideClassInfo,
+                                         reinterpret_cast<void**>(information.GetAddressOf())));
+        EXPECT_EQ(kNoTypeLibrary, information->GetClassInfo(&type));
+        EXPECT_EQ(nullptr, type);
+        EXPECT_EQ(kNoTypeLibrary,
+                  parser->GetIDsOfNames(IID_NULL, names, 2, LOCALE_USER_DEFAULT, ids));
+        const Arguments byNumber{{5, 100}, {1, 0}};
+        EXPECT_EQ(S_OK, InvokeById(parser.Get(), 15, DISPATCH_METHOD, byNumber).status);
+        EXPECT_TRUE(missing.HasFailed());
+    }
+    const ComPtr<IDispatch> parser = CreateParser();
+    EXPECT_EQ(S_OK, parser->GetIDsOfNames(IID_NULL, names, 2, LOCALE_USER_DEFAULT, ids));
 }
 
 }  // namespace
