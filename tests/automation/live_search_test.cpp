@@ -95,7 +95,7 @@ TEST_F(LiveSearchTest, TheSharedReceiverIsUsedWhereThereIsOne) {
         WaitForStatus(comPort == -1 ? "-1@0" : At(port, "4800"));
         EXPECT_TRUE(DispatchUntil([&] { return !listener->events().empty(); }));
         Disable();
-        EXPECT_EQ(0, product.sinks());
+        EXPECT_FALSE(product.sink());
         EXPECT_EQ(0, product.references());
     }
     product.Answer(6, MAKE_HRESULT(1, FACILITY_ITF, 0x1234), L"No receiver in range");

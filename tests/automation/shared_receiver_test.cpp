@@ -71,7 +71,7 @@ TEST_F(SharedReceiverTest, CallsAndDeliversWhateverApartmentItsClientIsIn) {
         EXPECT_EQ("[$GPGGA,1\r\n][$GPRMC,2\r\n]", TakeAll(*source));
     };
     useProduct();
-    EXPECT_EQ(0, product_.sinks());
+    EXPECT_FALSE(product_.sink());
     std::thread(useProduct).join();
     const std::string calls = "1(-1) 2(305419896) 4() 6(6) ";
     EXPECT_EQ(calls + calls, product_.calls());
@@ -170,7 +170,7 @@ TEST_F(SharedReceiverTest, ASinkIsOfferedAsTheEventsAndDescribesNothing) {
 
 // The product may hold a sink that was disconnected, and raise events at it; the source is gone.
 TEST_F(SharedReceiverTest, ASinkThatIsKeptReachesNobody) {
-    product_.keepsSinks = true;
+    product_.keepsSink = true;
     Ref<SharedReceiverSource> source = MakeSource();
     ASSERT_TRUE(source->Start());
     std::atomic<bool> isEnough = false;
@@ -186,7 +186,7 @@ TEST_F(SharedReceiverTest, ASinkThatIsKeptReachesNobody) {
     };
     waitForMore();
     source.Reset();
-    EXPECT_EQ(1, product_.sinks());
+    EXPECT_TRUE(product_.sink());
     EXPECT_EQ(0, product_.references());
     EXPECT_EQ(before_, Record::LiveCount());
     waitForMore();

@@ -59,27 +59,22 @@ void SharedReceiverServer::Answer(int method, HRESULT status, const wchar_t* des
     answers_[method] = {status, description};
 }
 
+SharedReceiverServer::Sink SharedReceiverServer::sink() const {
+    const std::lock_guard lock(mutex_);
+    return sink_;
+}
+
 std::string SharedReceiverServer::calls() const {
     const std::lock_guard lock(mutex_);
     return calls_;
 }
 
-int SharedReceiverServer::sinks() const {
-    const std::lock_guard lock(mutex_);
-    return static_cast<int>(sinks_.size());
-}
-
 void SharedReceiverServer::Raise(DISPID event, const VARIANT* value) {
-    std::map<DWORD, Sink> sinks;
-    {
-        const std::lock_guard lock(mutex_);
-        sinks = sinks_;
-    }
+    const Sink sink = this->sink();
+    if (!sink) return;
     DISPPARAMS parameters = {const_cast<VARIANT*>(value), nullptr, value != nullptr ? 1U : 0U, 0};
-    for (const auto& [cookie, sink] : sinks) {
-        sink->Invoke(event, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, nullptr,
-                     nullptr, nullptr);
-    }
+    sink->Invoke(event, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, nullptr,
+                 nullptr, nullptr);
 }
 
 void SharedReceiverServer::RaiseText(const std::wstring& text) {
@@ -115,19 +110,16 @@ STDMETHODIMP SharedReceiverServer::Advise(IUnknown* sink, DWORD* cookie) {
                                                 reinterpret_cast<void**>(events.GetAddressOf()));
     if (FAILED(status)) return CONNECT_E_CANNOTCONNECT;
     const std::lock_guard lock(mutex_);
-    *cookie = ++lastCookie_;
-    sinks_[*cookie] = std::move(events);
+    *cookie = kCookie;
+    sink_ = std::move(events);
     return S_OK;
 }
 
 STDMETHODIMP SharedReceiverServer::Unadvise(DWORD cookie) {
     Sink released;  // outside of the lock
     const std::lock_guard lock(mutex_);
-    const auto found = sinks_.find(cookie);
-    if (found == sinks_.end()) return CONNECT_E_NOCONNECTION;
-    if (keepsSinks) return S_OK;
-    released = std::move(found->second);
-    sinks_.erase(found);
+    if (cookie != kCookie) return CONNECT_E_NOCONNECTION;
+    if (!keepsSink) released.Swap(sink_);
     return S_OK;
 }
 

@@ -37,16 +37,17 @@ class SharedReceiverServer final : public SharedReceiverInterface,
     // The calls of methods so far: "6(1) 4() ".
     std::string calls() const;
 
-    // Raises an event at every sink, on the calling thread; a null value leaves out the argument.
+    // Raises an event at the sink, on the calling thread; a null value leaves out the argument.
     void Raise(DISPID event, const VARIANT* value);
     void RaiseText(const std::wstring& text);
 
     // What the library holds of it, and it of the library.
     int references() const { return references_ - restReferences_; }
-    int sinks() const;
+    using Sink = Microsoft::WRL::ComPtr<IDispatch>;
+    Sink sink() const;
 
     std::atomic<bool> offersEvents = true;
-    std::atomic<bool> keepsSinks = false;  // and raises events at sinks that were disconnected
+    std::atomic<bool> keepsSink = false;  // and raises events at it when it was disconnected
 
     STDMETHODIMP QueryInterface(REFIID id, void** object) override;
     STDMETHODIMP_(ULONG) AddRef() override { return static_cast<ULONG>(++references_); }
@@ -86,15 +87,14 @@ class SharedReceiverServer final : public SharedReceiverInterface,
     STDMETHODIMP EnumConnections(IEnumConnections**) override { return E_NOTIMPL; }
 
   private:
-    using Sink = Microsoft::WRL::ComPtr<IDispatch>;
+    static constexpr DWORD kCookie = 4711;
 
     HRESULT Called(int method, std::optional<LONG> argument);
 
     mutable std::mutex mutex_;
     std::map<int, std::pair<HRESULT, const wchar_t*>> answers_;
     std::string calls_;
-    std::map<DWORD, Sink> sinks_;
-    DWORD lastCookie_ = 0;
+    Sink sink_;
     std::atomic<int> references_ = 0;
     int restReferences_ = 0;  // those of the registrations
     DWORD cookie_ = 0;
