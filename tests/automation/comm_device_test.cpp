@@ -9,7 +9,6 @@
 #include <memory>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "automation/support/test_port.h"
 
@@ -36,50 +35,24 @@ class CommDeviceTest : public testing::Test {
         return {buffer.begin(), buffer.begin() + count};
     }
 
-    std::uint32_t ModemStatus() {
-        std::uint32_t status = 99;
-        EXPECT_TRUE(device_->GetModemStatus(status));
-        return status;
-    }
-
     TestPort port_;
     std::unique_ptr<CommDevice> device_ = MakeWin32CommDevice();
 };
 
-TEST_F(CommDeviceTest, OneProgramAtATime) {
-    EXPECT_EQ(0U, Open());
-    EXPECT_EQ(DWORD{ERROR_ACCESS_DENIED}, port_.ErrorOfOpening());
-    device_->Close();
-    EXPECT_EQ("error 6", Read());
-    EXPECT_EQ(0U, port_.ErrorOfOpening());
-}
-
-TEST_F(CommDeviceTest, BytesArriveUnchanged) {
+TEST_F(CommDeviceTest, BytesReadAreUnchanged) {
     std::string all;
     for (int i = 0; i < 256; ++i)
         all += static_cast<char>(i);
     ASSERT_EQ(0U, Open());
     port_.Feed(all);
     EXPECT_EQ(all, Read());
-    std::size_t count = 0;
-    EXPECT_TRUE(device_->Write(std::vector<std::uint8_t>(all.begin(), all.end()), count));
-    EXPECT_EQ(256U, count);
-    EXPECT_EQ(all, port_.Written(256));
-
     const DWORD start = GetTickCount();
     EXPECT_EQ("", Read());
     EXPECT_LE(150U, GetTickCount() - start);
 }
 
-TEST_F(CommDeviceTest, RatesLinesAndBreaksReachTheFarEnd) {
+TEST_F(CommDeviceTest, LinesAndBreaksReachTheFarEnd) {
     ASSERT_EQ(0U, Open());
-    for (const int rate : {4800, 9600, 19200, 38400, 57600, 115200}) {
-        CommState state;
-        EXPECT_TRUE(device_->GetState(state));
-        state.BaudRate = static_cast<std::uint32_t>(rate);
-        EXPECT_TRUE(device_->SetState(state));
-        EXPECT_EQ(rate, port_.BaudRate());
-    }
     for (const CommFunction function : {CommFunction::ClrRts, CommFunction::SetDtr})
         EXPECT_TRUE(device_->Escape(function));
     EXPECT_EQ("DTR", port_.Lines());
@@ -102,12 +75,15 @@ TEST_F(CommDeviceTest, LinesOfTheFarEndAreSeen) {
                                                             {"", 0}};
     for (const auto& [line, status] : kCases) {
         port_.SetLines(line);
-        EXPECT_EQ(status, ModemStatus());
+        std::uint32_t seen = 99;
+        EXPECT_TRUE(device_->GetModemStatus(seen));
+        EXPECT_EQ(status, seen);
     }
 }
 
 TEST_F(CommDeviceTest, UnpluggedFailsUntilPluggedInAndOpenedAgain) {
     ASSERT_EQ(0U, Open());
+    EXPECT_EQ(DWORD{ERROR_ACCESS_DENIED}, port_.ErrorOfOpening());
     port_.Unplug();
     EXPECT_EQ("error 21", Read());
     std::uint32_t status = 0;
@@ -116,6 +92,7 @@ TEST_F(CommDeviceTest, UnpluggedFailsUntilPluggedInAndOpenedAgain) {
     port_.PlugIn();
     EXPECT_EQ("error 21", Read());
     device_->Close();
+    EXPECT_EQ("error 6", Read());
     ASSERT_EQ(0U, Open());
     port_.Feed("waiting");
     EXPECT_TRUE(device_->Purge(kPurgeRxClear));

@@ -1,4 +1,4 @@
-// Connecting to the events: several sinks, sinks that misbehave, and the enumerations.
+// Connecting to the events: several sinks, what they do in their events, and the enumerations.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <ocidl.h>
@@ -31,38 +31,12 @@ class ConnectionTest : public ParserTest {
     }
 };
 
-TEST_F(ConnectionTest, EverySinkIsCalledInOrder) {
-    std::vector<int> order;
-    const Listener sinks[] = {Listener(parser_.Get()), Listener(parser_.Get()),
-                              Listener(parser_.Get())};
-    for (int i = 0; i < 3; ++i) {
-        sinks[i]->SetReaction([&order, i](const RecordedEvent&) {
-            order.push_back(i);
-            return i == 0 ? E_FAIL : S_OK;  // a failing sink disturbs nobody
-        });
-    }
-    Parse(L"$GPXXX,1\r\n$GPXXX,2\r\n");
-    EXPECT_THAT(order, ElementsAre(0, 1, 2, 0, 1, 2));
-}
-
 const Texts kOne = {L"$GPXXX,1"};
 const Texts kTwo = {L"$GPXXX,2"};
 const Texts kBoth = {L"$GPXXX,1", L"$GPXXX,2"};
 
-TEST_F(ConnectionTest, DisconnectedSinkIsReleasedAndSilent) {
-    Listener listener(parser_.Get());
-    EXPECT_EQ(2U, listener->references());
-    Parse(L"$GPXXX,1\r\n");
-    listener.Disconnect();
-    EXPECT_EQ(1U, listener->references());
-    Parse(L"$GPXXX,2\r\n");
-    EXPECT_EQ(kOne, listener->texts());
-    const Listener later(parser_.Get());
-    Parse(L"$GPXXX,2\r\n");
-    EXPECT_EQ(kTwo, later->texts());
-}
-
-// What the first of two sinks does in its first event, and what both hear of two sentences.
+// What the first of two sinks does in its first event, and what both hear of two sentences. At the
+// end of a case the parser is left without sinks.
 TEST_F(ConnectionTest, SinksMayDoAnythingInAnEvent) {
     using Sinks = std::optional<Listener>[2];
     const struct {
@@ -78,18 +52,29 @@ TEST_F(ConnectionTest, SinksMayDoAnythingInAnEvent) {
     };
     for (const auto& test : cases) {
         SCOPED_TRACE(test.name);
-        parser_ = CreateParser();
         Sinks sinks;
         for (auto& sink : sinks)
             sink.emplace(parser_.Get());
         (*sinks[0])->SetReaction([&](const RecordedEvent& event) {
             if (event.text == kOne[0]) test.react(parser_.Get(), sinks);
-            return S_OK;
+            return E_FAIL;  // disturbs nobody
         });
         Parse(L"$GPXXX,1\r\n$GPXXX,2\r\n");
         EXPECT_EQ(test.first, (*sinks[0])->texts());
         EXPECT_EQ(test.second, (*sinks[1])->texts());
     }
+}
+
+// What an event hands out is shared: who changes it changes what the later sinks see.
+TEST_F(ConnectionTest, SinksShareTheSentence) {
+    const Listener first(parser_.Get());
+    const Listener second(parser_.Get());
+    first->SetReaction([](const RecordedEvent& event) {
+        return Call(event.arguments[0].object(), L"SetField", {1, L"changed"}).status;
+    });
+    Parse(L"$GPXXX,1\r\n");
+    EXPECT_EQ(kOne, first->texts());
+    EXPECT_THAT(second->texts(), ElementsAre(testing::StartsWith(L"$GPXXX,changed")));
 }
 
 // The client's last reference goes while the parser is in the middle of its text.

@@ -86,21 +86,6 @@ TEST_F(LiveEventTest, EachThreadGetsTheEventsOfItsParser) {
         thread.join();
 }
 
-TEST_F(LiveEventTest, ReleasedWithMessagesPending) {
-    TestPort port;
-    const auto recorder = EventRecorder::Make();
-    DWORD cookie = 0;
-    EventsOf(parser())->Advise(recorder.Get(), &cookie);
-    Enable(port);
-    port.Feed(Numbered(0, 200));
-    parser_.Reset();
-    EXPECT_EQ(1U, recorder->references());
-    EXPECT_EQ(S_OK, CanUnloadNow()) << "what is on its way keeps the parser";
-    DispatchFor(20);
-    EXPECT_EQ(0U, recorder->events().size());
-    EXPECT_EQ(0U, port.ErrorOfOpening());
-}
-
 // A client may end it all, or only the reading, or begin it anew inside of any event.
 TEST_F(LiveEventTest, ReleasedDisabledOrEnabledAgainByAnEvent) {
     enum { kReleasing, kDisabling, kEnablingAgain };
@@ -136,17 +121,16 @@ TEST_F(LiveEventTest, ReleasedDisabledOrEnabledAgainByAnEvent) {
     }
 }
 
-BOOL CALLBACK AddHiddenWindow(HWND window, LPARAM list) {
-    wchar_t title[32] = L"";
-    GetWindowTextW(window, title, 32);
-    if (std::wstring(title) == L"kvFormSync")
-        reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
-    return TRUE;
-}
-
 std::vector<HWND> HiddenWindows() {
     std::vector<HWND> windows;
-    EnumThreadWindows(GetCurrentThreadId(), AddHiddenWindow, reinterpret_cast<LPARAM>(&windows));
+    const auto add = [](HWND window, LPARAM list) CALLBACK -> BOOL {
+        wchar_t title[32] = L"";
+        GetWindowTextW(window, title, 32);
+        if (std::wstring(title) == L"kvFormSync")
+            reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
+        return TRUE;
+    };
+    EnumThreadWindows(GetCurrentThreadId(), add, reinterpret_cast<LPARAM>(&windows));
     return windows;
 }
 

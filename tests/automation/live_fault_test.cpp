@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <array>
+#include <bit>
 #include <cstring>
 #include <string>
 
@@ -79,9 +80,7 @@ DCB ExpectedState() {
 
 template <typename T>
 auto BytesOf(const T& block) {
-    std::array<unsigned char, sizeof block> bytes;
-    std::memcpy(bytes.data(), &block, sizeof block);
-    return bytes;
+    return std::bit_cast<std::array<unsigned char, sizeof block>>(block);
 }
 
 class LiveFaultTest : public LiveTest {

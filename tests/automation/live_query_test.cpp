@@ -68,12 +68,6 @@ TEST_F(LiveQueryTest, FourKindsAtOnceAndTheLatestHoweverOld) {
     }
 }
 
-TEST_F(LiveQueryTest, OnlyTheWantedTypeEndsTheWait) {
-    port_.StartStream(kRmcLine, 20);
-    ExpectSteps(parser(), {{L"GetGpsFix", {300, 3}, "DISPATCH null"},
-                           {L"GetGpsFix", {kLongMs, 2}, "DISPATCH object"}});
-}
-
 DWORD aheadMs = 0;
 
 DWORD WINAPI LaterTickCount() {
@@ -91,10 +85,6 @@ TEST_F(LiveQueryTest, AnOldFixIsNoLongerValid) {
         DispatchFor(250);
         WaitForStatus(At(port_, passedMs < 5000 ? "4800 nmea fix" : "4800 nmea"));
     }
-    port_.Feed(kGgaLine);
-    WaitForStatus(At(port_, "4800 nmea fix"));
-    port_.Feed(Line("GPGGA,120000,,,,,0,,,,,,,,"));
-    WaitForStatus(At(port_, "4800 nmea"));
 }
 
 }  // namespace

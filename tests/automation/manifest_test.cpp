@@ -8,7 +8,6 @@
 #include <wrl/client.h>
 
 #include <atomic>
-#include <optional>
 #include <string>
 #include <thread>
 
@@ -47,18 +46,10 @@ class Activation {
 
 class ManifestTest : public AutomationTest {
   protected:
-    void SetUp() override {
-        EXPECT_FALSE(CreateParser()) << "nothing is registered";
-        AutomationTest::SetUp();
-        host_.emplace();
-    }
-    void TearDown() override {
-        host_.reset();
-        AutomationTest::TearDown();
-    }
+    static void SetUpTestSuite() { EXPECT_FALSE(CreateParser()) << "nothing is registered"; }
 
   private:
-    std::optional<Activation> host_;
+    const Activation host_;
 };
 
 // A name leads to an identity that the platform makes up for the context, and that to the class.
@@ -91,12 +82,8 @@ TEST_F(ManifestTest, EventsArriveAndErrorsHaveNoSource) {
     EXPECT_EQ(1U, listener->texts().size());
 }
 
-TEST_F(ManifestTest, TypeLibraryIsFound) {
-    ComPtr<ITypeLib> library;
-    EXPECT_EQ(S_OK, LoadRegTypeLib(LIBID_KavrelCE, 1, 0, 0, &library));
-}
-
-// Another apartment reaches a parser by the platform's proxies, which must find the interface.
+// Another apartment reaches a parser by the platform's proxies, which must find the interface and
+// its type library.
 TEST_F(ManifestTest, AnotherApartmentCallsAParser) {
     const ComPtr<IDispatch> parser = CreateParser();
     IStream* parcel = nullptr;

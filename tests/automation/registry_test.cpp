@@ -1,4 +1,4 @@
-// The real registry, through the library's own keys.
+// The real registry, through the library's own keys, whose rules are tested on one in memory.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <windows.h>
@@ -15,7 +15,6 @@ namespace kavrel::tests {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::Optional;
 using testing::UnorderedElementsAre;
 
@@ -57,15 +56,11 @@ class RegistryTest : public testing::Test {
     Ref<RegistryKey> scratch_;  // the key that a test may do anything with
 };
 
-TEST_F(RegistryTest, CreatesFindsEnumeratesAndDeletesKeys) {
-    EXPECT_THAT(scratch_->SubkeyNames(), Optional(IsEmpty()));
+TEST_F(RegistryTest, CreatesOpensEnumeratesAndDeletesKeys) {
     const std::u16string longest(255, u'n');
     for (const std::u16string& name : {std::u16string(u"b"), std::u16string(u"A"), longest})
         EXPECT_TRUE(scratch_->CreateSubkey(name)) << ErrorOf(*scratch_);
-    EXPECT_THAT(scratch_->SubkeyNames(), Optional(ElementsAre(u"A", u"b", longest)));
-    for (const char16_t* path : {u"\\Software\\KavrelTest\\A", u"SOFTWARE\\kavreltest\\a"})
-        EXPECT_TRUE(root_->OpenSubkey(path)) << ErrorOf(*root_);
-
+    EXPECT_TRUE(root_->OpenSubkey(u"SOFTWARE\\kavreltest\\a")) << ErrorOf(*root_);
     root_->DeleteSubkey(u"\\Software\\KavrelTest\\A");
     EXPECT_EQ("ok", ErrorOf(*root_));
     scratch_->DeleteSubkey(u"A");
@@ -76,26 +71,17 @@ TEST_F(RegistryTest, CreatesFindsEnumeratesAndDeletesKeys) {
 TEST_F(RegistryTest, WritesReadsEnumeratesAndDeletesValues) {
     scratch_->SetText(u"Text", u"A\u0141");
     scratch_->SetInteger(u"Integer", 0x80000001);
-    const RegValue bytes = RegValue::OfBytes(MakeRef<ByteBlock>(std::vector<std::uint8_t>{7, 0}));
-    scratch_->SetValue(u"Bytes", &bytes);
     EXPECT_EQ("1: 65 0 65 1 0 0", Stored(L"Text"));
     EXPECT_EQ("4: 1 0 0 128", Stored(L"Integer"));
-    EXPECT_EQ("3: 7 0", Stored(L"Bytes"));
-
     EXPECT_EQ(u"A\u0141", scratch_->ReadValue(u"TEXT").value_or(RegValue()).text);
-    EXPECT_EQ(0x80000001, scratch_->ReadValue(u"Integer").value_or(RegValue()).integer);
-    const auto read = scratch_->ReadValue(u"Bytes");
-    ASSERT_TRUE(read && read->kind == RegKind::Bytes);
-    EXPECT_EQ(bytes.bytes->bytes(), read->bytes->bytes());
-    EXPECT_THAT(scratch_->ValueNames(),
-                Optional(UnorderedElementsAre(u"Bytes", u"Integer", u"Text")));
+    EXPECT_THAT(scratch_->ValueNames(), Optional(UnorderedElementsAre(u"Integer", u"Text")));
 
     scratch_->DeleteValue(u"Text");
     EXPECT_EQ("ok", ErrorOf(*scratch_));
-    scratch_->DeleteValue(u"Text");
-    EXPECT_EQ("2 Error deleting register value", ErrorOf(*scratch_));
     EXPECT_FALSE(scratch_->ReadValue(u"Text"));
     EXPECT_EQ("2 Error reading registry value", ErrorOf(*scratch_));
+    scratch_->DeleteValue(u"Text");
+    EXPECT_EQ("2 Error deleting register value", ErrorOf(*scratch_));
 }
 
 }  // namespace

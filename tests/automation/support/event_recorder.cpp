@@ -97,12 +97,4 @@ ComPtr<IDispatch> MakeSentence(const std::wstring& text) {
     return listener->events().back().arguments[0].object();
 }
 
-std::wstring Finished(const std::wstring& text) {
-    unsigned sum = 0;
-    for (const wchar_t c : text.substr(1))
-        sum ^= c;
-    constexpr const wchar_t* kDigits = L"0123456789ABCDEF";
-    return text + L'*' + kDigits[sum >> 4 & 15] + kDigits[sum & 15] + L"\r\n";
-}
-
 }  // namespace kavrel::tests

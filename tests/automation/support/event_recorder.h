@@ -102,7 +102,4 @@ class ParserTest : public AutomationTest {
 // line end and is of a type that is not decoded, "$GPXXX,...".
 Microsoft::WRL::ComPtr<IDispatch> MakeSentence(const std::wstring& text);
 
-// The text with a checksum and CR LF behind it.
-std::wstring Finished(const std::wstring& text);
-
 }  // namespace kavrel::tests

@@ -81,17 +81,6 @@ void EnablePort(IDispatch* parser, TestPort& port, int rate) {
     EXPECT_EQ("?", port.Written(1));
 }
 
-void LiveTest::SetUp() {
-    AutomationTest::SetUp();
-    parser_ = CreateParser();
-    ASSERT_TRUE(parser_);
-}
-
-void LiveTest::TearDown() {
-    parser_.Reset();
-    AutomationTest::TearDown();
-}
-
 void LiveTest::Disable() {
     EXPECT_EQ("", Outcome(Put(parser(), L"PortEnabled", false)));
 }

@@ -57,11 +57,8 @@ std::string TryEnable(IDispatch* parser, int port, int rate = 4800);
 // the server's answer from there, for which the thread waits forever.
 void EnablePort(IDispatch* parser, TestPort& port, int rate = 4800);
 
-class LiveTest : public AutomationTest {
+class LiveTest : public ParserTest {
   protected:
-    void SetUp() override;
-    void TearDown() override;
-
     IDispatch* parser() { return parser_.Get(); }
 
     void Enable(TestPort& port, int rate = 4800) { EnablePort(parser(), port, rate); }
@@ -69,8 +66,6 @@ class LiveTest : public AutomationTest {
 
     // Waits until GetComStatus tells that, dispatching messages meanwhile.
     void WaitForStatus(const std::string& status);
-
-    Microsoft::WRL::ComPtr<IDispatch> parser_;
 };
 
 }  // namespace kavrel::tests
