@@ -57,24 +57,20 @@ HMODULE LoadedLibrary() {
 }
 
 HRESULT GetClassObjectOf(REFCLSID classId, REFIID interfaceId, void** object) {
-    static auto* const function =
-        Export<HRESULT WINAPI(REFCLSID, REFIID, void**)>("DllGetClassObject");
-    return function(classId, interfaceId, object);
+    using Function = HRESULT WINAPI(REFCLSID, REFIID, void**);
+    return Export<Function>("DllGetClassObject")(classId, interfaceId, object);
 }
 
 HRESULT CanUnloadNow() {
-    static auto* const function = Export<HRESULT WINAPI()>("DllCanUnloadNow");
-    return function();
+    return Export<HRESULT WINAPI()>("DllCanUnloadNow")();
 }
 
 HRESULT RegisterServer() {
-    static auto* const function = Export<HRESULT WINAPI()>("DllRegisterServer");
-    return function();
+    return Export<HRESULT WINAPI()>("DllRegisterServer")();
 }
 
 HRESULT UnregisterServer() {
-    static auto* const function = Export<HRESULT WINAPI()>("DllUnregisterServer");
-    return function();
+    return Export<HRESULT WINAPI()>("DllUnregisterServer")();
 }
 
 ComPtr<IDispatch> CreateByName(const std::wstring& progId) {

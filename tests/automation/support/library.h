@@ -18,8 +18,6 @@ struct CreatableClass {
     const IID& interfaceId;
 
     std::wstring ProgId() const { return std::wstring(L"KavrelCE.") + name; }
-    // What the registration and the errors call it.
-    std::wstring Description() const { return std::wstring(name) + L" Class"; }
 };
 std::span<const CreatableClass> CreatableClasses();
 
