@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <functional>
 #include <initializer_list>
 #include <map>
@@ -25,6 +26,14 @@ inline std::string ErrorOf(const ErrorSlot& slot) {
     return slot.IsSet() ? std::to_string(slot.code()) + " " + std::string(slot.text()) : "";
 }
 
+// Tables are in UTF-8, which a path can convert.
+inline std::u16string Wide(const std::string& text) {
+    return std::filesystem::path(text).u16string();
+}
+inline std::string Utf8(std::u16string_view text) {
+    return std::filesystem::path(text).string();
+}
+
 // The enumerator that stands at the name's place in a list of all names.
 template <typename Enum>
 Enum Named(std::initializer_list<std::string_view> names, const std::string& name) {
@@ -42,9 +51,19 @@ class Dialogue {
     // A member of the object. What comes of it is the result, and the error behind "!".
     template <typename Result, typename... Arguments>
     void Add(const std::string& name, Result (Object::*member)(Arguments...)) {
-        AddMember(name, std::function<Result(Arguments...)>([this, member](Arguments... arguments) {
-                      return (object_().*member)(arguments...);
-                  }));
+        AddOperation(name, [this, member](Arguments... arguments) {
+            return (object_().*member)(arguments...);
+        });
+    }
+    // The same for what is not just a member.
+    template <typename Call>
+    void AddOperation(const std::string& name, Call call) {
+        operations_[name] = [this, use = Of(std::function(call))](std::istringstream& words) {
+            const std::string result = use(words);
+            const std::string error = ErrorOf(object_().error());
+            if (error.empty()) return result;
+            return result + (result.empty() ? "! " : " ! ") + error;
+        };
     }
     // One that is no operation and has no error.
     template <typename Result>
@@ -80,6 +99,7 @@ class Dialogue {
         } else {
             std::string word;
             words >> word;
+            if constexpr (std::is_same_v<T, std::u16string>) return Wide(word);
             return T(word.begin(), word.end());
         }
     }
@@ -99,16 +119,6 @@ class Dialogue {
             } else {
                 return std::apply(call, arguments) ? "given" : "none";
             }
-        };
-    }
-
-    template <typename Result, typename... Arguments>
-    void AddMember(const std::string& name, std::function<Result(Arguments...)> member) {
-        operations_[name] = [this, call = Of(member)](std::istringstream& words) {
-            const std::string result = call(words);
-            const std::string error = ErrorOf(object_().error());
-            if (error.empty()) return result;
-            return result + (result.empty() ? "! " : " ! ") + error;
         };
     }
 

@@ -11,10 +11,6 @@
 namespace kavrel {
 namespace {
 
-std::string Narrow(std::u16string_view text) {
-    return {text.begin(), text.end()};
-}
-
 template <typename Numbers>
 std::string Dotted(const Numbers& numbers) {
     std::string text;
@@ -83,7 +79,7 @@ class RegistryDialogue : public testing::TestWithParam<TableGroup> {
         if (!names) return "! " + ErrorOf(key_->error());
         std::string text;
         for (const std::u16string& name : *names)
-            text += (text.empty() ? "" : " ") + Narrow(name);
+            text += (text.empty() ? "" : " ") + Utf8(name);
         return text;
     }
 
@@ -94,7 +90,7 @@ class RegistryDialogue : public testing::TestWithParam<TableGroup> {
         if (!value) return "none";
         switch (value->kind) {
             case RegKind::Text:
-                return "text:" + Narrow(value->text);
+                return "text:" + Utf8(value->text);
             case RegKind::Integer:
                 return "integer:" + std::to_string(value->integer);
             case RegKind::Bytes:
