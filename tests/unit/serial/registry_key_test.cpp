@@ -1,4 +1,5 @@
-// Registry keys: the dialogues of tests/data/serial/registry_dialogues.txt, each on a new registry.
+// Registry keys, and the ports that a registry lists: the dialogues of
+// tests/data/serial/registry_dialogues.txt, each on a new registry.
 #include "serial/registry_key.h"
 
 #include <functional>
@@ -6,6 +7,7 @@
 #include <string>
 
 #include "platform/host/memory_registry.h"
+#include "serial/port_list.h"
 #include "unit/dialogue.h"
 
 namespace kavrel {
@@ -50,10 +52,16 @@ class RegistryDialogue : public testing::TestWithParam<TableGroup> {
         dialogue_.Add("SubkeyNames", [this] { return Names(key_->SubkeyNames()); });
         dialogue_.Add("ValueNames", [this] { return Names(key_->ValueNames()); });
         dialogue_.Add("ReadValue", [this](std::u16string_view name) { return Read(name); });
+        dialogue_.Add("Ports", [this](bool withFriendlyNames) { return Ports(withFriendlyNames); });
+        dialogue_.Add("PortNumberIn", PortNumberIn);
         // The registry's side.
-        dialogue_.Add("Store", [this](std::u16string_view name, std::uint32_t type,
-                                      const std::string& bytes) {
-            store_.AddValue(kPath, name, type, Undotted(bytes));
+        dialogue_.Add("AddKey", [this](std::u16string_view key) { store_.AddKey(key); });
+        dialogue_.Add("AddText",
+                      [this](std::u16string_view key, std::u16string_view name,
+                             std::u16string_view text) { store_.AddText(key, name, text); });
+        dialogue_.Add("AddValue", [this](std::u16string_view key, std::u16string_view name,
+                                         std::uint32_t type, const std::string& bytes) {
+            store_.AddValue(key, name, type, Undotted(bytes));
         });
         dialogue_.Add("Stored", [this](std::u16string_view name) {
             const auto value = store_.FindValue(kPath, name);
@@ -81,6 +89,13 @@ class RegistryDialogue : public testing::TestWithParam<TableGroup> {
         for (const std::u16string& name : *names)
             text += (text.empty() ? "" : " ") + Utf8(name);
         return text;
+    }
+
+    std::string Ports(bool withFriendlyNames) {
+        std::string text;
+        for (const ListedPort& port : EnumeratePorts(store_, withFriendlyNames))
+            text += "[" + Utf8(port.text) + "]=" + std::to_string(port.number) + " ";
+        return text.substr(0, text.find_last_of(' '));
     }
 
     // The kind and the content.

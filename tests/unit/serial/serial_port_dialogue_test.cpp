@@ -17,6 +17,9 @@ namespace {
 // wait for something that never comes.
 constexpr auto kCloseLimit = std::chrono::seconds(10);
 
+constexpr std::u16string_view kBluetooth = u"SOFTWARE\\Widcomm\\BtConfig\\Autoconnect\\0008";
+constexpr std::u16string_view kBrowser = u"BtBrowserEnabled";
+
 class PortDialogue : public PortTest, public testing::WithParamInterface<TableGroup> {
   protected:
     PortDialogue() {
@@ -25,6 +28,7 @@ class PortDialogue : public PortTest, public testing::WithParamInterface<TableGr
         AddSettings();
         AddUses();
         AddOtherSide();
+        AddBluetooth();
     }
 
     Dialogue<SerialPort> dialogue_{[this]() -> SerialPort& { return *port_; }};
@@ -56,6 +60,8 @@ class PortDialogue : public PortTest, public testing::WithParamInterface<TableGr
         dialogue_.Add("Dtr", &SerialPort::Dtr);
         dialogue_.Add("SetBreak", &SerialPort::SetBreak);
         dialogue_.Add("SetInfrared", &SerialPort::SetInfrared);
+        dialogue_.Add("SetSkipBluetoothTweak", &SerialPort::SetSkipBluetoothTweak);
+        dialogue_.Add("SetBluetoothBrowserOff", &SerialPort::SetBluetoothBrowserOff);
     }
 
     void AddUses() {
@@ -111,6 +117,19 @@ class PortDialogue : public PortTest, public testing::WithParamInterface<TableGr
         dialogue_.Add("Timeouts", [this] { return Timeouts(); });
     }
 
+    void AddBluetooth() {
+        dialogue_.Add("ForgetBrowser", [this] {
+            registry_.AddValue(kBluetooth, kBrowser, kRegistryInteger, {7, 0, 0, 0});
+        });
+        dialogue_.Add("FailBrowser",
+                      [this](int nth) { registry_.Fail(RegistryCall::SetValue, 5, nth - 1); });
+        dialogue_.Add("Browser", [this] {
+            const auto value = registry_.FindValue(kBluetooth, kBrowser);
+            return value ? std::to_string(value->data.at(0)) : "(none)";
+        });
+        dialogue_.Add("HasStack", [this] { return registry_.HasKey(u"SOFTWARE"); });
+    }
+
     // Waits for a signal and resets it.
     void Await(const std::string& signal) {
         ASSERT_TRUE(events_.at(signal)->Wait(kPatienceMs)) << signal;
@@ -134,6 +153,7 @@ class PortDialogue : public PortTest, public testing::WithParamInterface<TableGr
         EXPECT_FALSE(port_->TakeReceived());
         EXPECT_FALSE(port_->TakeWriteDone());
         EXPECT_FALSE(port_->TakeLineEvent());
+        EXPECT_EQ(Record::LiveCount(), recordsWhenNew_);
     }
 
     std::string Calls() {
@@ -165,6 +185,7 @@ class PortDialogue : public PortTest, public testing::WithParamInterface<TableGr
                                                        {"written", port_->WriteDoneEvent()},
                                                        {"failure", port_->ErrorEvent()},
                                                        {"line", port_->LineChangedEvent()}};
+    const std::int32_t recordsWhenNew_ = Record::LiveCount();
 };
 
 TEST_P(PortDialogue, Holds) {

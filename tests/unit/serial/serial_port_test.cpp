@@ -1,5 +1,5 @@
-// What does not go into a dialogue: a serial port's events, its blocks, the tweak beside its
-// opening, and much of everything at once.
+// What does not go into a dialogue: a serial port's events, its blocks, and much of everything at
+// once.
 #include <gmock/gmock.h>
 
 #include <array>
@@ -10,8 +10,6 @@
 
 namespace kavrel {
 namespace {
-
-constexpr std::u16string_view kBluetooth = u"SOFTWARE\\Widcomm\\BtConfig\\Autoconnect\\0008";
 
 TEST_F(PortTest, EventsTellWhoseAndWhichTheyAre) {
     std::uint32_t index = 0;
@@ -28,57 +26,6 @@ TEST_F(PortTest, ReceivesInOrderInBlocksOfAtMost256) {
     port_->Open();
     device_.Feed(sent);
     EXPECT_EQ(Receive(sent.size()), sent);
-}
-
-// The tweak writes one thing before and another after opening; a write that fails leaves the
-// other's to be seen.
-TEST_F(PortTest, TweaksBluetoothBeforeAndAfterOpening) {
-    using Written = std::optional<std::vector<std::uint8_t>>;
-    const Written kOff = {{0, 0, 0, 0}};
-    const Written kOn = {{1, 0, 0, 0}};
-    const struct {
-        std::int32_t port;
-        bool isSkipped;
-        bool browserOff;
-        Written before;
-        Written after;
-    } kCases[] = {{8, false, true, kOff, kOn}, {8, false, false, kOn, kOn},
-                  {8, true, true, {}, {}},     {7, false, true, {}, {}},
-                  {0, false, true, {}, {}},    {80, false, true, {}, {}}};
-    for (const auto& [number, isSkipped, browserOff, before, after] : kCases) {
-        for (const int failingWrite : {0, 1}) {
-            // One that opening does not make, the first that it makes, and a later one.
-            for (const CommCall failing : {CommCall::Write, CommCall::Open, CommCall::SetState}) {
-                SCOPED_TRACE(testing::Message()
-                             << number << isSkipped << browserOff << static_cast<int>(failing));
-                MemoryRegistryStore registry;
-                auto device = std::make_unique<ScriptedCommDevice>();
-                device->FailCall(failing, 1, 2);
-                const auto port = MakeRef<SerialPort>(std::move(device), registry);
-                port->SetPort(number);
-                port->SetSkipBluetoothTweak(isSkipped);
-                port->SetBluetoothBrowserOff(browserOff);
-                registry.AddKey(kBluetooth);
-                registry.Fail(RegistryCall::SetValue, 5, failingWrite);
-                port->Open();
-                EXPECT_EQ(port->IsOpen(), failing == CommCall::Write);
-                const auto value = registry.FindValue(kBluetooth, u"BtBrowserEnabled");
-                EXPECT_EQ(value ? value->data : Written(), failingWrite == 1 ? before : after);
-            }
-        }
-    }
-}
-
-TEST_F(PortTest, TweaksNothingUnlessAskedToOrWithoutTheStack) {
-    port_->SetPort(8);
-    port_->SetSkipBluetoothTweak(false);
-    port_->Open();
-    EXPECT_FALSE(registry_.HasKey(u"SOFTWARE"));
-    registry_.AddKey(kBluetooth);
-    const auto fresh = MakeRef<SerialPort>(std::make_unique<ScriptedCommDevice>(), registry_);
-    fresh->SetPort(8);
-    fresh->Open();
-    EXPECT_FALSE(registry_.FindValue(kBluetooth, u"BtBrowserEnabled"));
 }
 
 // Closing makes reads, writes and line waits fail, of which nobody is told.
@@ -137,18 +84,6 @@ TEST_F(PortTest, ClosesWhileEverythingIsUsed) {
     isOver = true;
     for (std::thread& thread : threads)
         thread.join();
-}
-
-TEST_F(PortTest, OpensAndClosesAThousandTimes) {
-    const std::int32_t closed = Record::LiveCount();
-    for (int i = 0; i < 1000; ++i) {
-        port_->Open();
-        ASSERT_TRUE(port_->IsOpen());
-        if (i % 3 == 0) device_.Feed("bytes that nobody takes");
-        if (i % 5 == 0) port_->Write(BlockOf("sent or not"));
-        port_->Close();
-        ASSERT_EQ(Record::LiveCount(), closed);
-    }
 }
 
 TEST_F(PortTest, LastReleaseCloses) {
