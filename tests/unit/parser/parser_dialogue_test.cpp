@@ -17,9 +17,9 @@ class ParserDialogue : public ReceiverTest, public testing::WithParamInterface<T
         dialogue_.Add("SetChecksumMandatory", &NmeaParser::SetChecksumMandatory);
         dialogue_.Add("SetGpsDatum", &NmeaParser::SetGpsDatum);
         dialogue_.Add("SetEventInterval", &NmeaParser::SetEventInterval);
-        dialogue_.Add("Parse", [this](const std::string& line) {
+        dialogue_.AddOperation("Parse", [this](const std::string& line) {
             parser_->Parse(line + "\r\n");
-            return log_.Take() + ErrorOf(parser_->error());
+            return log_.Take();
         });
         dialogue_.Add("Feed", [this](const std::string& body) { return Feed(body); });
         dialogue_.Add("FeedStatus", [this](bool isValid) {
@@ -34,20 +34,7 @@ class ParserDialogue : public ReceiverTest, public testing::WithParamInterface<T
                 log_.Sink({static_cast<ParserEvent>(first), static_cast<ParserEvent>(second)}));
         });
         dialogue_.Add("ListenToAll", [this] { parser_->SetEventSink(log_.Sink()); });
-        dialogue_.Add("GetGpsFix", [this](int timeoutMs, int fixType) {
-            return Answer(ParserEvent::GpsFix, parser_->GetGpsFix(timeoutMs, fixType));
-        });
-        dialogue_.Add("GetSatellites", [this](int timeoutMs) {
-            return Answer(ParserEvent::Satellites, parser_->GetSatellites(timeoutMs));
-        });
-        dialogue_.Add("GetMovement", [this](int timeoutMs) {
-            return Answer(ParserEvent::Movement, parser_->GetMovement(timeoutMs));
-        });
-        dialogue_.Add("GetQuality", [this](int timeoutMs) {
-            return Answer(ParserEvent::Quality, parser_->GetQuality(timeoutMs));
-        });
-        dialogue_.Add("GetComStatus",
-                      [this] { return Answer(ParserEvent::ComStatus, parser_->GetComStatus()); });
+        AddQueries();
         dialogue_.Add("TakeQueued", [this] {
             const std::optional<QueuedEvent> event = parser_->TakeQueuedEvent();
             if (!event) return std::string("(none)");
@@ -56,26 +43,53 @@ class ParserDialogue : public ReceiverTest, public testing::WithParamInterface<T
         });
         dialogue_.Add("StopQueue", [this] { parser_->StopQueue(); });
         AddPort();
+        AddHandOver();
     }
 
     Dialogue<NmeaParser> dialogue_{[this]() -> NmeaParser& { return *parser_; }};
 
   private:
+    void AddQueries() {
+        dialogue_.AddOperation("GetGpsFix", [this](int timeoutMs, int fixType) {
+            return Answer(ParserEvent::GpsFix, parser_->GetGpsFix(timeoutMs, fixType));
+        });
+        dialogue_.AddOperation("GetSatellites", [this](int timeoutMs) {
+            return Answer(ParserEvent::Satellites, parser_->GetSatellites(timeoutMs));
+        });
+        dialogue_.AddOperation("GetMovement", [this](int timeoutMs) {
+            return Answer(ParserEvent::Movement, parser_->GetMovement(timeoutMs));
+        });
+        dialogue_.AddOperation("GetQuality", [this](int timeoutMs) {
+            return Answer(ParserEvent::Quality, parser_->GetQuality(timeoutMs));
+        });
+        dialogue_.AddOperation("GetComStatus", [this] {
+            return Answer(ParserEvent::ComStatus, parser_->GetComStatus());
+        });
+    }
+
     void AddPort() {
         dialogue_.Add("SetComPort", &NmeaParser::SetComPort);
         dialogue_.Add("SetBaudRate", &NmeaParser::SetBaudRate);
         dialogue_.Add("SetPortEnabled", &NmeaParser::SetPortEnabled);
-        dialogue_.Add("WriteNothing", [this] {
-            parser_->WriteData(nullptr);
-            return ErrorOf(parser_->error());
+        dialogue_.Add("SetDirectDelivery", &NmeaParser::SetDirectDelivery);
+        dialogue_.AddOperation("WriteNothing", [this] { parser_->WriteData(nullptr); });
+        dialogue_.AddOperation("Write", [this](const std::string& text) {
+            parser_->WriteData(
+                MakeRef<ByteBlock>(std::vector<std::uint8_t>(text.begin(), text.end())));
+            port_.WaitForCalls(CommCall::Write, 1);
         });
+        dialogue_.Add("Written", [this] { return port_.written(); });
         dialogue_.Add("Hear", [this](const std::string& body) { port_.Feed(Line(body)); });
+        dialogue_.Add("HearPlain",
+                      [this](const std::string& body) { port_.Feed("$" + body + "\r\n"); });
         dialogue_.Add("HandleUntil", [this](const std::string& last) { return HandleUntil(last); });
         dialogue_.Add("Fail", [this](const std::string& call, int nth, std::uint32_t error) {
             port_.FailCall(CommCallOf(call), nth, error);
         });
         dialogue_.Add("PortIsOpen", [this] { return port_.isOpen(); });
-        dialogue_.Add("TimesOpened", [this] { return port_.CallCount(CommCall::Open); });
+        dialogue_.Add("CallCount", [this](const std::string& call) {
+            return port_.CallCount(CommCallOf(call));
+        });
         dialogue_.Add("Rate", [this] { return port_.state().BaudRate; });
         dialogue_.Add("PortStatus", [this] {
             const Ref<ComStatus> status = parser_->GetComStatus();
@@ -84,8 +98,37 @@ class ParserDialogue : public ReceiverTest, public testing::WithParamInterface<T
         });
     }
 
-    std::string Answer(ParserEvent event, const Ref<Record>& object) {
-        if (parser_->error().IsSet()) return "! " + ErrorOf(parser_->error());
+    // What happens between the threads of the reader and of the client.
+    void AddHandOver() {
+        dialogue_.AddOperation("RefuseWindows", [this] {
+            machine_.RefuseWindows(0);
+            parser_ = MakeRef<NmeaParser>(machine_);
+            parser_->SetEventSink(log_.Sink());
+        });
+        dialogue_.Add("LimitMessages",
+                      [this](std::size_t limit) { machine_.messages().SetLimit(limit); });
+        dialogue_.Add("AwaitMessages", [this](std::size_t count) {
+            EXPECT_TRUE(Await([&] { return machine_.messages().Waiting() >= count; }));
+        });
+        dialogue_.Add("AwaitNmea", [this] {
+            EXPECT_TRUE(Await([this] { return parser_->GetComStatus()->ValidNmea(); }));
+        });
+        dialogue_.Add("AwaitFix", [this] {
+            EXPECT_TRUE(Await([this] { return parser_->GetComStatus()->ValidFix(); }));
+        });
+        dialogue_.Add("Handle", [this] {
+            machine_.messages().HandleAll();
+            return log_.Take();
+        });
+        dialogue_.Add("Waiting", [this] { return machine_.messages().Waiting(); });
+        dialogue_.Add("IsOnly", [this] { return parser_.IsOnly(); });
+        dialogue_.Add("Release", [this] {
+            parser_->ShutDown();
+            parser_.Reset();
+        });
+    }
+
+    static std::string Answer(ParserEvent event, const Ref<Record>& object) {
         return object ? EventLog::Describe(event, *object) : "(none)";
     }
 };

@@ -91,17 +91,25 @@ class ReceiverTest : public testing::Test {
         return Feed("GPGGA," + time + ",4730,N,00843,E,1,08,1.1,432.5,M,47.9,M,,");
     }
 
+    // Whether it comes true before patience ends.
+    static bool Await(const std::function<bool()>& condition) {
+        for (int i = 0; i < 10000; ++i) {
+            if (condition()) return true;
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        return false;
+    }
+
     // Handles messages until the log holds an event of that description, and returns all of it.
     std::string HandleUntil(const std::string& last) {
         std::string text;
-        for (int i = 0; i < 10000; ++i) {
+        EXPECT_TRUE(Await([&] {
             machine_.messages().HandleAll();
             const std::string more = log_.Take();
             text += (text.empty() || more.empty() ? "" : " ") + more;
-            if (text.find(last) != std::string::npos) return text;
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-        return text + " (gave up)";
+            return text.find(last) != std::string::npos;
+        }));
+        return text;
     }
 
     ScriptedMachine machine_;
