@@ -77,8 +77,11 @@ class Dialogue {
     }
 
     void Hold(const TableGroup& group) const {
-        for (const TableRow& row : group.rows)
-            ASSERT_EQ(OutcomeOf(row[0]), row[1]) << row.where << ": " << row[0];
+        for (const TableRow& row : group.rows) {
+            SCOPED_TRACE(row.where + ": " + row[0]);
+            ASSERT_EQ(OutcomeOf(row[0]), row[1]);
+            if (testing::Test::HasFailure()) return;
+        }
     }
 
   private:

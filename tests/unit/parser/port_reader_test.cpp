@@ -1,4 +1,5 @@
-// The search for a receiver, and the shared receiver as a source.
+// The search for a receiver, and the shared receiver as a source: the dialogues of
+// tests/data/parser/reader_dialogues.txt, and what is too quick or too long for them.
 #include "parser/port_reader.h"
 
 #include <gmock/gmock.h>
@@ -12,6 +13,7 @@
 
 #include "base/locked_queue.h"
 #include "platform/host/scripted_machine.h"
+#include "unit/comm_call.h"
 #include "unit/nmea/sentence_text.h"
 
 namespace kavrel {
@@ -34,9 +36,9 @@ class ReaderLog final : public PortReader::Listener {
     void OnDataRead() override {}
     void OnSettingsChanged(const PortChoice& current) override {
         if (onTry) onTry(current);
-        Add("try " + Describe(current));
+        Add("try:" + Describe(current));
     }
-    void OnValidNmea(const PortChoice& current) override { Add("valid " + Describe(current)); }
+    void OnValidNmea(const PortChoice& current) override { Add("valid:" + Describe(current)); }
     void OnSourceEnded() override { Add("ended"); }
 
     // Up to and with that line, and takes what was written down.
@@ -73,26 +75,17 @@ class ReaderLog final : public PortReader::Listener {
 class PortReaderTest : public testing::Test {
   protected:
     // The port is listed; it can be opened once it is asked for.
-    void List(char16_t digit) {
-        const std::u16string name = std::u16string(u"COM") + digit + u":";
+    void List(std::int32_t port) {
+        const std::u16string name = Wide("COM" + std::to_string(port) + ":");
         machine_.memoryRegistry().AddText(u"Drivers\\Active\\" + name, u"Name", name);
     }
-    // A receiver at one rate: at any other it is heard as noise. Says enough to fill a read.
-    void Connect(std::int32_t port, std::int32_t baudRate) {
-        machine_.Port(port);
-        log_.onTry = [this, port, baudRate](const PortChoice& current) {
-            if (current.comPort != port) return;
-            for (int i = 0; i < 20; ++i)
-                machine_.Port(port).Feed(current.baudRate == baudRate ? Line("PKVRL,1")
-                                                                      : "$\xFE,\r\n$~~~,noise\r\n");
-        };
-    }
-    void Enable(const PortChoice& choice) {
+    std::string Enable(const PortChoice& choice) {
         log_.Clear();
         ErrorSlot error;
-        EXPECT_TRUE(reader_.Enable(choice, error)) << error.text();
+        const bool isEnabled = reader_.Enable(choice, error);
+        EXPECT_NE(isEnabled, error.IsSet());
+        return ErrorOf(error);
     }
-    int TimesOpened(std::int32_t port) { return machine_.Port(port).CallCount(CommCall::Open); }
 
     static constexpr PortChoice kAnything = {kSearchForPort, kDetectBaudRate};
 
@@ -102,24 +95,75 @@ class PortReaderTest : public testing::Test {
     PortReader reader_{machine_, log_, kTryMs};
 };
 
-// A port that fails is not tried at its other rates.
-TEST_F(PortReaderTest, FindsAReceiverAmongPorts) {
-    for (const char16_t port : {u'1', u'2', u'3', u'4', u'5', u'6'})
-        List(port);
-    machine_.Port(2);  // 1 is listed, but not there
-    machine_.Port(3).FailCall(CommCall::Open, 1, 5);
-    machine_.Port(4).FailCall(CommCall::Read, 1, 21);
-    machine_.Port(6);
-    Connect(5, 38400);
-    Enable(kAnything);
-    log_.Await("valid 5@38400");
-    EXPECT_THAT(log_.taken, ElementsAre("try 2@4800", "try 2@9600", "try 2@38400", "try 2@19200",
-                                        "try 2@57600", "try 2@115200", "try 4@4800", "try 5@4800",
-                                        "try 5@9600", "try 5@38400", "valid 5@38400"));
-    log_.Await(Sentence("PKVRL,1"));
-    reader_.Disable();
-    EXPECT_FALSE(machine_.Port(5).isOpen());
+class PortReaderDialogue : public PortReaderTest, public testing::WithParamInterface<TableGroup> {
+  protected:
+    PortReaderDialogue() {
+        AddReader();
+        AddOtherSide();
+    }
+
+    Dialogue<PortReader> dialogue_{[this]() -> PortReader& { return reader_; }};
+
+  private:
+    void AddReader() {
+        dialogue_.Add("Enable", [this](int port, int rate) { return Enable({port, rate}); });
+        dialogue_.Add("Disable", [this] { reader_.Disable(); });
+        dialogue_.Add("Await", [this](const std::string& line) { log_.Await(line); });
+        dialogue_.Add("Taken", [this] { return Joined(log_.taken); });
+    }
+
+    void AddOtherSide() {
+        dialogue_.Add("List", [this](int port) { List(port); });
+        dialogue_.Add("Port", [this](int port) { machine_.Port(port); });
+        dialogue_.Add("Connect", [this](int port, int rate, const std::string& sentence) {
+            Connect(port, rate, sentence + "\r\n");
+        });
+        dialogue_.Add("Fail", [this](int port, const std::string& call, std::uint32_t error) {
+            machine_.Port(port).FailCall(CommCallOf(call), 1, error);
+        });
+        dialogue_.Add("TimesOpened",
+                      [this](int port) { return machine_.Port(port).CallCount(CommCall::Open); });
+        dialogue_.Add("IsOpen", [this](int port) { return machine_.Port(port).isOpen(); });
+        dialogue_.Add("SharedDoes", [this](const std::string& call) { ResultOf(call) = {}; });
+        dialogue_.Add("SharedFails", [this](const std::string& call, std::uint32_t number,
+                                            const std::string& text) {
+            ResultOf(call) = {static_cast<std::int32_t>(0x80040000 + number), text};
+        });
+        dialogue_.Add("SharedCalls", [this] { return Joined(std::exchange(shared_.calls, {})); });
+        dialogue_.Add("SharedEnds", [this] { shared_.listener->OnClosed(); });
+        dialogue_.Add("IsShared", [this] { return shared_.listener != nullptr; });
+    }
+
+    // A receiver at one rate: at any other it is heard as noise. Says enough to fill a read.
+    void Connect(std::int32_t port, std::int32_t baudRate, const std::string& line) {
+        machine_.Port(port);
+        log_.onTry = [this, port, baudRate, line](const PortChoice& current) {
+            if (current.comPort != port) return;
+            for (int i = 0; i < 20; ++i)
+                machine_.Port(port).Feed(current.baudRate == baudRate ? line
+                                                                      : "$\xFE,\r\n$~~~,noise\r\n");
+        };
+    }
+
+    SharedReceiverResult& ResultOf(const std::string& call) {
+        if (call == "create") return shared_.create;
+        return call == "4" ? shared_.method4 : shared_.method6;
+    }
+
+    static std::string Joined(const std::vector<std::string>& lines) {
+        std::string text;
+        for (const std::string& line : lines)
+            text += (text.empty() ? "" : " ") + line;
+        return text;
+    }
+};
+
+TEST_P(PortReaderDialogue, Holds) {
+    dialogue_.Hold(GetParam());
 }
+
+INSTANTIATE_TEST_SUITE_P(Table, PortReaderDialogue,
+                         testing::ValuesIn(ReadGroups("parser/reader_dialogues.txt")), NameOfGroup);
 
 // One that opens but fails at once is not opened over and over, even when it did not at first.
 TEST_F(PortReaderTest, TakesItsTimeWithAPortThatFails) {
@@ -129,51 +173,18 @@ TEST_F(PortReaderTest, TakesItsTimeWithAPortThatFails) {
     };
     machine_.Port(2);
     Enable({2, kDetectBaudRate});
-    log_.Await("try 2@115200");
-    log_.Await("try 2@4800");
+    log_.Await("try:2@115200");
+    log_.Await("try:2@4800");
     const auto start = std::chrono::steady_clock::now();
-    log_.Await("try 2@4800");
-    log_.Await("try 2@4800");
+    log_.Await("try:2@4800");
+    log_.Await("try:2@4800");
     reader_.Disable();
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(kTryMs));
 }
 
-TEST_F(PortReaderTest, KeepsToWhatIsGiven) {
-    List(u'2');
-    machine_.Port(2);
-    Connect(6, 57600);
-    Enable({6, kDetectBaudRate});
-    log_.Await("valid 6@57600");
-    reader_.Disable();
-    EXPECT_EQ(TimesOpened(2), 0);
-
-    List(u'6');
-    Enable({kSearchForPort, 57600});
-    log_.Await("valid 6@57600");
-    EXPECT_THAT(log_.taken, ElementsAre("try 2@57600", "try 6@57600", "valid 6@57600"));
-    reader_.Disable();
-
-    // Only a search wants a checksum.
-    log_.onTry = [this](const PortChoice&) { machine_.Port(6).Feed("$PKVRL,1\r\n"); };
-    Enable({6, 57600});
-    log_.Await("valid 6@57600");
-    reader_.Disable();
-}
-
-TEST_F(PortReaderTest, StartsOverWhenTheFoundPortFails) {
-    List(u'2');
-    Connect(2, 4800);
-    Enable(kAnything);
-    log_.Await(Sentence("PKVRL,1"));
-    machine_.Port(2).FailCall(CommCall::Read, 1, 21);
-    log_.Await("ended");
-    log_.Await("valid 2@4800");
-    reader_.Disable();
-}
-
 // However soon a port fails, what was heard before is told before.
 TEST_F(PortReaderTest, DeliversWhatWasHeardBeforeAFailure) {
-    List(u'2');
+    List(2);
     ScriptedCommDevice& port = machine_.Port(2);
     for (const std::int32_t comPort : {2, kSearchForPort}) {
         const int failingRead = port.CallCount(CommCall::Read) + 2;
@@ -186,7 +197,7 @@ TEST_F(PortReaderTest, DeliversWhatWasHeardBeforeAFailure) {
         };
         Enable({comPort, 4800});
         log_.Await("ended");
-        EXPECT_THAT(log_.taken, ElementsAre("try 2@4800", "valid 2@4800", Sentence("PKVRL,1"),
+        EXPECT_THAT(log_.taken, ElementsAre("try:2@4800", "valid:2@4800", Sentence("PKVRL,1"),
                                             Sentence("PKVRL,2"), "ended"));
         reader_.Disable();
     }
@@ -194,7 +205,7 @@ TEST_F(PortReaderTest, DeliversWhatWasHeardBeforeAFailure) {
 
 // What is still in the port's buffer when the rate changes was heard at the old rate.
 TEST_F(PortReaderTest, ForgetsWhatWasHeardAtAnotherRate) {
-    List(u'2');
+    List(2);
     const std::string line = Line("PKVRL,1");
     const std::size_t half = line.find('*');
     log_.onTry = [&](const PortChoice& current) {
@@ -205,7 +216,7 @@ TEST_F(PortReaderTest, ForgetsWhatWasHeardAtAnotherRate) {
     };
     machine_.Port(2);
     Enable(kAnything);
-    log_.Await("try 2@115200");
+    log_.Await("try:2@115200");
     EXPECT_THAT(log_.taken, Each(StartsWith("try")));
     reader_.Disable();
 }
@@ -219,26 +230,26 @@ TEST_F(PortReaderTest, SearchesUntilDisabled) {
     reader_.Disable();
     const std::size_t tries = (steady_clock::now() - start) / std::chrono::milliseconds(kTryMs);
     EXPECT_LE(machine_.memoryRegistry().CallCount(), 3 + tries) << "at its usual pace";
-    List(u'2');
+    List(2);
     machine_.Port(2);
     for (int i = 0; i < 5; ++i) {
         Enable(kAnything);
-        log_.Await("try 2@4800");
+        log_.Await("try:2@4800");
         reader_.Disable();
     }
     Enable(kAnything);
-    log_.Await("try 2@4800");
-    log_.Await("try 2@4800");
+    log_.Await("try:2@4800");
+    log_.Await("try:2@4800");
     reader_.Stop();
     EXPECT_FALSE(machine_.Port(2).isOpen());
 }
 
+// An empty text, and more at once than the ring holds.
 TEST_F(PortReaderTest, ReadsFromTheSharedReceiver) {
     shared_.create = {};
-    List(u'2');
+    List(2);
     for (const std::int32_t comPort : {kSharedReceiverOnly, kSearchForPort}) {
         shared_.calls.clear();
-        // An empty text, and more at once than the ring holds.
         std::string text;
         for (int i = 0; i < 100; ++i)
             text += Line("PKVRL," + std::to_string(i));
@@ -250,7 +261,7 @@ TEST_F(PortReaderTest, ReadsFromTheSharedReceiver) {
         log_.Await(Sentence("PKVRL,99"));
         EXPECT_THAT(shared_.calls, ElementsAre("create", "connect", "6(1)", "4()"));
         EXPECT_EQ(log_.taken.size(), 102U);
-        EXPECT_EQ(log_.taken[1], "valid -1@0");
+        EXPECT_EQ(log_.taken[1], "valid:-1@0");
         reader_.Disable();
         EXPECT_EQ(shared_.listener, nullptr);
     }
@@ -264,54 +275,6 @@ TEST_F(PortReaderTest, IsDisabledThoughSentencesNeverEnd) {
     log_.Await(Sentence("PKVRL,1"));
     reader_.Disable();
     EXPECT_EQ(shared_.listener, nullptr);
-}
-
-// Alone it must work; in a search its failure is nobody's business.
-TEST_F(PortReaderTest, TellsOfASharedReceiverThatFailsWhenItIsWantedAlone) {
-    const SharedReceiverResult kDone, kBusy = {static_cast<std::int32_t>(0x80041234), "Busy"},
-                                      kNoNumber = {static_cast<std::int32_t>(0x80040000), ""};
-    const struct {
-        SharedReceiverResult create, method6, method4;
-        std::string error;
-    } kCases[] = {
-        {kBusy, kDone, kDone,
-         "4660 Ravelin not installed! Cannot create object RavelinApi::Simple"},
-        {kDone, kBusy, kDone, "4660 Busy"},
-        {kDone, kDone, kBusy, "4660 Busy"},
-        // A number of 0 would say that nothing failed.
-        {kNoNumber, kDone, kDone,
-         "10007 Ravelin not installed! Cannot create object RavelinApi::Simple"},
-        {kDone, kNoNumber, kDone, "10007 Unknown Error"},
-    };
-    for (const auto& [create, method6, method4, expected] : kCases) {
-        shared_.create = create;
-        shared_.method6 = method6;
-        shared_.method4 = method4;
-        ErrorSlot error;
-        EXPECT_FALSE(reader_.Enable({kSharedReceiverOnly, 4800}, error)) << expected;
-        EXPECT_EQ(std::to_string(error.code()) + " " + std::string(error.text()), expected);
-        EXPECT_EQ(shared_.calls.back(), "release");
-        Enable(kAnything);
-        reader_.Disable();
-    }
-}
-
-TEST_F(PortReaderTest, SearchesOnceTheSharedReceiverCloses) {
-    shared_.create = {};
-    List(u'2');
-    Connect(2, 4800);
-    for (const bool isSearch : {false, true}) {
-        Enable({isSearch ? kSearchForPort : kSharedReceiverOnly, kDetectBaudRate});
-        log_.Await("try -1@0");
-        shared_.listener->OnClosed();
-        log_.Await("ended");
-        if (isSearch) {
-            log_.Await("valid 2@4800");
-            EXPECT_EQ(shared_.listener, nullptr);
-        }
-        EXPECT_EQ(TimesOpened(2), isSearch ? 1 : 0);
-        reader_.Disable();
-    }
 }
 
 }  // namespace
