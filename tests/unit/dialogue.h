@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <filesystem>
 #include <functional>
 #include <initializer_list>
@@ -34,6 +36,14 @@ inline std::string Utf8(std::u16string_view text) {
     return std::filesystem::path(text).string();
 }
 
+// All digits that tell it from other numbers.
+inline std::string TextOfNumber(double number) {
+    std::array<char, 400> text;
+    const auto end =
+        std::to_chars(text.begin(), text.end(), number + 0.0, std::chars_format::fixed);
+    return {text.data(), end.ptr};
+}
+
 // The enumerator that stands at the name's place in a list of all names.
 template <typename Enum>
 Enum Named(std::initializer_list<std::string_view> names, const std::string& name) {
@@ -58,12 +68,8 @@ class Dialogue {
     // The same for what is not just a member.
     template <typename Call>
     void AddOperation(const std::string& name, Call call) {
-        operations_[name] = [this, use = Of(std::function(call))](std::istringstream& words) {
-            const std::string result = use(words);
-            const std::string error = ErrorOf(object_().error());
-            if (error.empty()) return result;
-            return result + (result.empty() ? "! " : " ! ") + error;
-        };
+        operations_[name] = {Of(std::function(call)),
+                             [this] { return ErrorOf(object_().error()); }};
     }
     // One that is no operation and has no error.
     template <typename Result>
@@ -73,21 +79,27 @@ class Dialogue {
     // Anything else that a row can ask for.
     template <typename Call>
     void Add(const std::string& name, Call call) {
-        operations_[name] = Of(std::function(call));
+        operations_[name] = {Of(std::function(call)), nullptr};
     }
+
+    // The result of a row, without the error.
+    std::string Call(const std::string& row) const { return OutcomeOf(row, false); }
 
     void Hold(const TableGroup& group) const {
         for (const TableRow& row : group.rows) {
             SCOPED_TRACE(row.where + ": " + row[0]);
-            ASSERT_EQ(OutcomeOf(row[0]), row[1]);
+            ASSERT_EQ(OutcomeOf(row[0], true), row[1]);
             if (testing::Test::HasFailure()) return;
         }
     }
 
   private:
-    using Operation = std::function<std::string(std::istringstream&)>;
+    struct Operation {
+        std::function<std::string(std::istringstream&)> call;
+        std::function<std::string()> error;  // null where there is none
+    };
 
-    // As what an argument is taken from a row: a number, or a word.
+    // As what an argument is taken from a row: a number, or a word, of which '' is an empty one.
     template <typename T>
     using Taken = std::conditional_t<
         std::is_arithmetic_v<std::decay_t<T>>, std::decay_t<T>,
@@ -95,26 +107,25 @@ class Dialogue {
 
     template <typename T>
     static T Take(std::istringstream& words) {
-        if constexpr (std::is_arithmetic_v<T>) {
-            T number{};
-            EXPECT_TRUE(words >> number) << words.str();
-            return number;
-        } else {
-            std::string word;
-            words >> word;
-            if constexpr (std::is_same_v<T, std::u16string>) return Wide(word);
-            return T(word.begin(), word.end());
-        }
+        std::string word;
+        words >> word;
+        if (word == "''") word.clear();
+        if constexpr (std::is_arithmetic_v<T>) return static_cast<T>(std::stod(word));
+        if constexpr (std::is_same_v<T, std::u16string>) return Wide(word);
+        if constexpr (std::is_same_v<T, std::string>) return word;
     }
 
     template <typename Result, typename... Arguments>
-    static Operation Of(std::function<Result(Arguments...)> call) {
+    static auto Of(std::function<Result(Arguments...)> call) {
         return [call](std::istringstream& words) -> std::string {
             // Braces, as what stands in them is evaluated in its order.
             std::tuple<Taken<Arguments>...> arguments{Take<Taken<Arguments>>(words)...};
+            EXPECT_TRUE((words >> std::ws).eof()) << "more words than arguments";
             if constexpr (std::is_void_v<Result>) {
                 std::apply(call, arguments);
                 return "";
+            } else if constexpr (std::is_floating_point_v<Result>) {
+                return TextOfNumber(std::apply(call, arguments));
             } else if constexpr (std::is_arithmetic_v<Result>) {
                 return std::to_string(std::apply(call, arguments));
             } else if constexpr (std::is_constructible_v<std::string, Result>) {
@@ -125,12 +136,17 @@ class Dialogue {
         };
     }
 
-    std::string OutcomeOf(const std::string& row) const {
+    std::string OutcomeOf(const std::string& row, bool withError) const {
         std::istringstream words(row);
         std::string name;
         words >> name;
         const auto operation = operations_.find(name);
-        return operation != operations_.end() ? operation->second(words) : "(no such operation)";
+        if (operation == operations_.end()) return "(no such operation)";
+        const std::string result = operation->second.call(words);
+        if (!withError || !operation->second.error) return result;
+        const std::string error = operation->second.error();
+        if (error.empty()) return result;
+        return result + (result.empty() ? "! " : " ! ") + error;
     }
 
     std::function<Object&()> object_;

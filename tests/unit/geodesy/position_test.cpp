@@ -1,36 +1,13 @@
 // Positions driven by tests/data/geodesy/position.csv, which says how its rows are written.
 
 #include <array>
-#include <charconv>
 #include <cmath>
-#include <functional>
-#include <map>
-#include <sstream>
-#include <tuple>
-#include <type_traits>
 
 #include "support.h"
+#include "unit/dialogue.h"
 
 namespace kavrel::test {
 namespace {
-
-using Words = std::vector<std::string>;
-
-std::string Shown(const std::string& text) {
-    return text;
-}
-
-std::string Shown(double number) {
-    std::array<char, 400> text;
-    const auto end =
-        std::to_chars(text.begin(), text.end(), number + 0.0, std::chars_format::fixed);
-    return {text.data(), end.ptr};
-}
-
-std::string Shown(const DmsWithHemisphere& parts) {
-    return Shown(parts.degrees) + " " + Shown(parts.minutes) + " " +
-           Shown(std::round(parts.seconds * 1e9) / 1e9) + " " + parts.hemisphere;
-}
 
 // The expectation may be a relation, "<", ">" or "!", to a number.
 void Compare(const std::string& result, std::string expected, const std::string& tolerance) {
@@ -54,6 +31,13 @@ void Compare(const std::string& result, std::string expected, const std::string&
 
 class Script {
   public:
+    Script() {
+        AddMakers();
+        AddCoordinates();
+        AddDatumAndGrid();
+        AddRelations();
+    }
+
     void Start() {
         for (Ref<Position>& position : positions_)
             position = MakeRef<Position>();
@@ -61,123 +45,105 @@ class Script {
 
     // The result as a text.
     std::string Call(const std::string& text) {
-        std::istringstream stream(text);
-        Words words;
-        for (std::string word; stream >> word;)
-            words.push_back(word == "''" ? "" : word);
-        const std::string name = words[0];
-        words.erase(words.begin());
-        return kMembers.at(name.substr(2))(*this, At(name), words);
+        current_ = &At(text);
+        return calls_.Call(text.substr(2));
     }
 
     Ref<Position>& At(const std::string& name) { return positions_.at(name[0] - 'a'); }
 
   private:
-    using Member = std::function<std::string(Script&, Ref<Position>&, const Words&)>;
-
-    template <typename T>
-    T Argument(const std::string& word) {
-        if constexpr (std::is_same_v<T, Position*>) {
-            return word == "null" ? nullptr : At(word).get();
-        } else if constexpr (std::is_same_v<T, Ref<CustomDatum>>) {
-            return word == "null" ? T() : Osgb36();
-        } else if constexpr (std::is_same_v<T, Ref<CustomGrid>>) {
-            return word == "null" ? T() : BritishGrid();
-        } else if constexpr (std::is_arithmetic_v<T>) {
-            return static_cast<T>(std::stod(word));
-        } else {
-            return word;
-        }
+    void AddMakers() {
+        calls_.Add("At", [this](double latitude, double longitude, DatumId datum) {
+            *current_ = PositionAt(latitude, longitude, datum);
+        });
+        calls_.Add("FromText",
+                   [this](const std::string& latitude, const std::string& longitude,
+                          const std::string& latitudeHemisphere,
+                          const std::string& longitudeHemisphere, const std::string& altitude,
+                          const std::string& geoidalSeparation, DatumId datum) {
+                       *current_ = MakeRef<Position>(
+                           ReceiverPosition{latitude, longitude, latitudeHemisphere,
+                                            longitudeHemisphere, altitude, geoidalSeparation},
+                           datum);
+                   });
+        calls_.Add("CopyOf",
+                   [this](const std::string& other) { *current_ = Other(other)->Copy(); });
     }
 
-    template <typename Class, typename R, typename... A>
-    static Member Bind(R (Class::*member)(A...)) {
-        return [member](Script& script, Ref<Position>& p, const Words& words) -> std::string {
-            EXPECT_EQ(words.size(), sizeof...(A));
-            std::size_t at = 0;
-            [[maybe_unused]] const auto next = [&]() -> const std::string& {
-                return words.at(at++);
-            };
-            std::tuple arguments{script.Argument<std::decay_t<A>>(next())...};
-            const auto call = [&](const auto&... a) { return ((*p).*member)(a...); };
-            if constexpr (!std::is_void_v<R>) return Shown(std::apply(call, arguments));
-            std::apply(call, arguments);
-            return {};
-        };
+    void AddCoordinates() {
+        calls_.Add("LatitudeDMS", [this] { return Shown(Current().LatitudeDMS()); });
+        calls_.Add("LongitudeDMS", [this] { return Shown(Current().LongitudeDMS()); });
+        calls_.Add("SetLatitudeDMS", &Position::SetLatitudeDMS);
+        calls_.Add("SetLongitudeDMS", &Position::SetLongitudeDMS);
+        calls_.Add("LatitudeString", &Position::LatitudeString);
+        calls_.Add("LongitudeString", &Position::LongitudeString);
+        calls_.Add("Altitude", &Position::Altitude);
+        calls_.Add("SetAltitude", &Position::SetAltitude);
+        calls_.Add("LatitudeRads", &Position::LatitudeRads);
+        calls_.Add("LongitudeRads", &Position::LongitudeRads);
+        calls_.Add("PutLatitudeRads", &Position::PutLatitudeRads);
+        calls_.Add("PutLongitudeRads", &Position::PutLongitudeRads);
+        calls_.Add("Latitude", &Position::Latitude);
+        calls_.Add("Longitude", &Position::Longitude);
+        calls_.Add("PutLatitude", &Position::PutLatitude);
+        calls_.Add("PutLongitude", &Position::PutLongitude);
+        calls_.Add("Easting", &Position::Easting);
+        calls_.Add("Northing", &Position::Northing);
+        calls_.Add("PutEasting", &Position::PutEasting);
+        calls_.Add("PutNorthing", &Position::PutNorthing);
+        calls_.Add("Move", &Position::Move);
+        // Unlike the other members it leaves an error as it is, which its row would have to repeat.
+        calls_.Add("ModifiedCount", [this] {
+            Current().error().Clear();
+            return Current().ModifiedCount();
+        });
     }
 
-    static std::string MakeAt(Script&, Ref<Position>& p, const Words& words) {
-        p = PositionAt(std::stod(words[0]), std::stod(words[1]),
-                       static_cast<DatumId>(std::stoi(words[2])));
-        return {};
-    }
-    static std::string MakeFromText(Script&, Ref<Position>& p, const Words& words) {
-        p = MakeRef<Position>(
-            ReceiverPosition{words[0], words[1], words[2], words[3], words[4], words[5]},
-            static_cast<DatumId>(std::stoi(words[6])));
-        return {};
-    }
-    static std::string MakeCopyOf(Script& script, Ref<Position>& p, const Words& words) {
-        p = script.At(words[0])->Copy();
-        return {};
-    }
-    static std::string CopyAltitudes(Script& script, Ref<Position>& p, const Words& words) {
-        p->CopyAltitudes(*script.At(words[0]));
-        return {};
-    }
-    // Unlike the other members it leaves an error as it is, which its row would have to repeat.
-    static std::string ModifiedCount(Script&, Ref<Position>& p, const Words&) {
-        p->error().Clear();
-        return Shown(p->ModifiedCount());
+    void AddDatumAndGrid() {
+        calls_.Add("Datum", &Position::Datum);
+        calls_.Add("PutDatum", &Position::PutDatum);
+        calls_.Add("PutCustomDatum", [this](const std::string& datum) {
+            Current().PutCustomDatum(datum == "null" ? nullptr : Osgb36());
+        });
+        calls_.Add("Grid", &Position::Grid);
+        calls_.Add("PutGrid", &Position::PutGrid);
+        calls_.Add("PutCustomGrid", [this](const std::string& grid) {
+            Current().PutCustomGrid(grid == "null" ? nullptr : BritishGrid());
+        });
+        calls_.Add("Zone", &Position::Zone);
+        calls_.Add("PutZone", [this](std::int32_t zone) { Current().PutZone(zone); });
+        calls_.Add("PutZoneText", [this](const std::string& zone) { Current().PutZone(zone); });
     }
 
-    static const std::map<std::string, Member> kMembers;
+    void AddRelations() {
+        AddRelation("Distance", &Position::Distance);
+        AddRelation("Bearing", &Position::Bearing);
+        AddRelation("IsSameDatum", &Position::IsSameDatum);
+        AddRelation("IsSameGrid", &Position::IsSameGrid);
+        AddRelation("MakeSameDatum", &Position::MakeSameDatum);
+        AddRelation("MakeSameGrid", &Position::MakeSameGrid);
+        calls_.Add("CopyAltitudes",
+                   [this](const std::string& other) { Current().CopyAltitudes(*Other(other)); });
+    }
+
+    template <typename Result, typename... More>
+    void AddRelation(const std::string& name, Result (Position::*member)(Position*, More...)) {
+        calls_.Add(name, [this, member](const std::string& other, More... more) {
+            return (Current().*member)(Other(other), more...);
+        });
+    }
+
+    Position& Current() { return **current_; }
+    Position* Other(const std::string& name) { return name == "null" ? nullptr : At(name).get(); }
+
+    static std::string Shown(const DmsWithHemisphere& parts) {
+        return std::to_string(parts.degrees) + " " + std::to_string(parts.minutes) + " " +
+               TextOfNumber(std::round(parts.seconds * 1e9) / 1e9) + " " + parts.hemisphere;
+    }
 
     std::array<Ref<Position>, 3> positions_;
-};
-
-const std::map<std::string, Script::Member> Script::kMembers = {
-    {"At", MakeAt},
-    {"FromText", MakeFromText},
-    {"CopyOf", MakeCopyOf},
-    {"CopyAltitudes", CopyAltitudes},
-    {"ModifiedCount", ModifiedCount},
-    {"LatitudeDMS", Bind(&Position::LatitudeDMS)},
-    {"LongitudeDMS", Bind(&Position::LongitudeDMS)},
-    {"SetLatitudeDMS", Bind(&Position::SetLatitudeDMS)},
-    {"SetLongitudeDMS", Bind(&Position::SetLongitudeDMS)},
-    {"LatitudeString", Bind(&Position::LatitudeString)},
-    {"LongitudeString", Bind(&Position::LongitudeString)},
-    {"Altitude", Bind(&Position::Altitude)},
-    {"SetAltitude", Bind(&Position::SetAltitude)},
-    {"LatitudeRads", Bind(&Position::LatitudeRads)},
-    {"LongitudeRads", Bind(&Position::LongitudeRads)},
-    {"PutLatitudeRads", Bind(&Position::PutLatitudeRads)},
-    {"PutLongitudeRads", Bind(&Position::PutLongitudeRads)},
-    {"Latitude", Bind(&Position::Latitude)},
-    {"Longitude", Bind(&Position::Longitude)},
-    {"PutLatitude", Bind(&Position::PutLatitude)},
-    {"PutLongitude", Bind(&Position::PutLongitude)},
-    {"Datum", Bind(&Position::Datum)},
-    {"PutDatum", Bind(&Position::PutDatum)},
-    {"PutCustomDatum", Bind(&Position::PutCustomDatum)},
-    {"Grid", Bind(&Position::Grid)},
-    {"PutGrid", Bind(&Position::PutGrid)},
-    {"PutCustomGrid", Bind(&Position::PutCustomGrid)},
-    {"Easting", Bind(&Position::Easting)},
-    {"Northing", Bind(&Position::Northing)},
-    {"PutEasting", Bind(&Position::PutEasting)},
-    {"PutNorthing", Bind(&Position::PutNorthing)},
-    {"Zone", Bind(&Position::Zone)},
-    {"Distance", Bind(&Position::Distance)},
-    {"Bearing", Bind(&Position::Bearing)},
-    {"Move", Bind(&Position::Move)},
-    {"IsSameDatum", Bind(&Position::IsSameDatum)},
-    {"IsSameGrid", Bind(&Position::IsSameGrid)},
-    {"MakeSameDatum", Bind(&Position::MakeSameDatum)},
-    {"MakeSameGrid", Bind(&Position::MakeSameGrid)},
-    {"PutZone", Bind<Position, void, std::int32_t>(&Position::PutZone)},
-    {"PutZoneText", Bind<Position, void, std::string_view>(&Position::PutZone)},
+    Ref<Position>* current_ = nullptr;
+    Dialogue<Position> calls_{[this]() -> Position& { return Current(); }};
 };
 
 TEST(Position, DoesWhatTheScriptSays) {
