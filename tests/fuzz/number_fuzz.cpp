@@ -32,12 +32,6 @@ void CheckReading(const std::string& text) {
     Check(ReadInteger(text) == std::clamp(whole, -2147483648LL, 2147483647LL));
 }
 
-std::string Printed(double value, int decimals) {
-    std::array<char, 512> buffer;
-    const int length = std::snprintf(buffer.data(), buffer.size(), "%.*f", decimals, value);
-    return {buffer.data(), static_cast<std::size_t>(length)};
-}
-
 // A written number with one added to its last digit.
 std::string Incremented(std::string text) {
     for (std::size_t i = text.size(); i > 0; --i) {
@@ -53,14 +47,17 @@ std::string Incremented(std::string text) {
     return "1" + text;
 }
 
-// snprintf rounds exact ties to even, the library away from zero.
+// The exact value, which has so many decimals that matter, cut and rounded by hand: snprintf rounds
+// ties to even, the library away from zero.
 std::string Expected(double value, int decimals, int minWholeDigits) {
-    const std::string exact = Printed(value, 60);
-    const std::size_t point = exact.find('.');
+    std::array<char, 512> exact;
+    std::snprintf(exact.data(), exact.size(), "%.60f", value);
+    std::string text = exact.data();
+    const std::size_t point = text.find('.');
     const std::size_t at = point + 1 + static_cast<std::size_t>(decimals);
-    const bool isTie = exact[at] == '5' && exact.find_first_not_of('0', at + 1) == exact.npos;
-    std::string text =
-        isTie ? Incremented(exact.substr(0, decimals == 0 ? point : at)) : Printed(value, decimals);
+    const bool isUp = text[at] >= '5';
+    text.resize(decimals == 0 ? point : at);
+    if (isUp) text = Incremented(text);
 
     const std::size_t sign = text[0] == '-' ? 1 : 0;
     const std::size_t whole = std::min(text.find('.'), text.size()) - sign;

@@ -145,20 +145,17 @@ TEST_F(DispatchTest, CutsOfTheTextDoNotMatter) {
     while (text.size() < 20'000)
         text += receiver.NextEpoch();
 
-    const auto eventsOfPieces = [&](std::size_t size, std::size_t first) {
+    const auto eventsOfPieces = [&](std::size_t size) {
         const auto parser = MakeRef<NmeaParser>();
         parser->SetEventSink(log_.Sink());
-        parser->Parse(std::string_view(text).substr(0, first));
-        for (std::size_t at = first; at < text.size(); at += size)
+        for (std::size_t at = 0; at < text.size(); at += size)
             parser->Parse(std::string_view(text).substr(at, size));
         return log_.Take();
     };
-    const std::string expected = eventsOfPieces(1, 0);
+    const std::string expected = eventsOfPieces(1);
     ASSERT_GT(expected.size(), 5000u);
-    for (const std::size_t size : {37u, 101u, 256u}) {
-        for (std::size_t first = 0; first < size; ++first)
-            ASSERT_EQ(eventsOfPieces(size, first), expected) << size << ' ' << first;
-    }
+    for (std::size_t size = 2; size < 400; ++size)
+        ASSERT_EQ(eventsOfPieces(size), expected) << size;
 }
 
 }  // namespace
