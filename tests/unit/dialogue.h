@@ -17,6 +17,7 @@
 #include <tuple>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 #include "base/error_slot.h"
 #include "table.h"
@@ -34,6 +35,13 @@ inline std::u16string Wide(const std::string& text) {
 }
 inline std::string Utf8(std::u16string_view text) {
     return std::filesystem::path(text).string();
+}
+
+inline std::string Joined(const std::vector<std::string>& parts, std::string_view separator = " ") {
+    std::string text;
+    for (const std::string& part : parts)
+        text.append(text.empty() ? "" : separator).append(part);
+    return text;
 }
 
 // All digits that tell it from other numbers.

@@ -50,20 +50,20 @@ class ParserDialogue : public ReceiverTest, public testing::WithParamInterface<T
 
   private:
     void AddQueries() {
-        dialogue_.AddOperation("GetGpsFix", [this](int timeoutMs, int fixType) {
-            return Answer(ParserEvent::GpsFix, parser_->GetGpsFix(timeoutMs, fixType));
-        });
-        dialogue_.AddOperation("GetSatellites", [this](int timeoutMs) {
-            return Answer(ParserEvent::Satellites, parser_->GetSatellites(timeoutMs));
-        });
-        dialogue_.AddOperation("GetMovement", [this](int timeoutMs) {
-            return Answer(ParserEvent::Movement, parser_->GetMovement(timeoutMs));
-        });
-        dialogue_.AddOperation("GetQuality", [this](int timeoutMs) {
-            return Answer(ParserEvent::Quality, parser_->GetQuality(timeoutMs));
-        });
-        dialogue_.AddOperation("GetComStatus", [this] {
-            return Answer(ParserEvent::ComStatus, parser_->GetComStatus());
+        AddQuery("GetGpsFix", ParserEvent::GpsFix, &NmeaParser::GetGpsFix);
+        AddQuery("GetSatellites", ParserEvent::Satellites, &NmeaParser::GetSatellites);
+        AddQuery("GetMovement", ParserEvent::Movement, &NmeaParser::GetMovement);
+        AddQuery("GetQuality", ParserEvent::Quality, &NmeaParser::GetQuality);
+        AddQuery("GetComStatus", ParserEvent::ComStatus, &NmeaParser::GetComStatus);
+    }
+
+    // The answer is told as the event would be.
+    template <typename Result, typename... Arguments>
+    void AddQuery(const std::string& name, ParserEvent event,
+                  Ref<Result> (NmeaParser::*query)(Arguments...)) {
+        dialogue_.AddOperation(name, [this, event, query](Arguments... arguments) {
+            const Ref<Record> object = ((*parser_).*query)(arguments...);
+            return object ? EventLog::Describe(event, *object) : "(none)";
         });
     }
 
@@ -126,10 +126,6 @@ class ParserDialogue : public ReceiverTest, public testing::WithParamInterface<T
             parser_->ShutDown();
             parser_.Reset();
         });
-    }
-
-    static std::string Answer(ParserEvent event, const Ref<Record>& object) {
-        return object ? EventLog::Describe(event, *object) : "(none)";
     }
 };
 

@@ -149,13 +149,6 @@ class PortReaderDialogue : public PortReaderTest, public testing::WithParamInter
         if (call == "create") return shared_.create;
         return call == "4" ? shared_.method4 : shared_.method6;
     }
-
-    static std::string Joined(const std::vector<std::string>& lines) {
-        std::string text;
-        for (const std::string& line : lines)
-            text += (text.empty() ? "" : " ") + line;
-        return text;
-    }
 };
 
 TEST_P(PortReaderDialogue, Holds) {

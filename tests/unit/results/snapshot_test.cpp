@@ -7,6 +7,7 @@
 #include "results/quality.h"
 #include "results/satellites.h"
 #include "results/speed.h"
+#include "table.h"
 #include "unit/nmea/sentence_text.h"
 
 namespace kavrel {
@@ -59,18 +60,12 @@ TEST(Satellites, GiveTheSameItemsToAll) {
 }
 
 TEST(Quality, ComesFromGsaOnly) {
-    const auto decoded = [](const char* body) {
-        return MakeRef<Quality>(DecodeQuality(*MakeSentence(body)));
-    };
-    const auto quality = decoded("GPGSA,A,3,02,05,07,09,13,21,28,30,,,,,1.9,1.1,1.6");
-    EXPECT_EQ(quality->Pdop(), 1.9);
-    EXPECT_EQ(quality->Hdop(), 1.1);
-    EXPECT_EQ(quality->Vdop(), 1.6);
-    for (const char* body : {"GPGSA,A,3,02", "GPGSA,A,1,,,,,,,,,,,,,,,",
-                             "GPGSV,A,3,02,05,07,09,13,21,28,30,,,,,1.9,1.1,1.6"}) {
-        const auto none = decoded(body);
-        EXPECT_EQ(none->Pdop() + none->Hdop() + none->Vdop(), 0.0) << body;
-    }
+    ForEachRow("results/qualities.csv", [](const Row& row) {
+        const auto quality = MakeRef<Quality>(DecodeQuality(*MakeSentence(row.Text(0))));
+        EXPECT_EQ(quality->Pdop(), row.Number(1));
+        EXPECT_EQ(quality->Hdop(), row.Number(2));
+        EXPECT_EQ(quality->Vdop(), row.Number(3));
+    });
 }
 
 // The factors are the library's own; those to knots are not the exact inverses.

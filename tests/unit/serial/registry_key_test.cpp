@@ -15,10 +15,10 @@ namespace {
 
 template <typename Numbers>
 std::string Dotted(const Numbers& numbers) {
-    std::string text;
+    std::vector<std::string> texts;
     for (const int number : numbers)
-        text += (text.empty() ? "" : ".") + std::to_string(number);
-    return text;
+        texts.push_back(std::to_string(number));
+    return Joined(texts, ".");
 }
 
 std::vector<std::uint8_t> Undotted(const std::string& text) {
@@ -85,17 +85,17 @@ class RegistryDialogue : public testing::TestWithParam<TableGroup> {
   private:
     std::string Names(const std::optional<RegistryKey::Names>& names) const {
         if (!names) return "! " + ErrorOf(key_->error());
-        std::string text;
+        std::vector<std::string> texts;
         for (const std::u16string& name : *names)
-            text += (text.empty() ? "" : " ") + Utf8(name);
-        return text;
+            texts.push_back(Utf8(name));
+        return Joined(texts);
     }
 
     std::string Ports(bool withFriendlyNames) {
-        std::string text;
+        std::vector<std::string> ports;
         for (const ListedPort& port : EnumeratePorts(store_, withFriendlyNames))
-            text += "[" + Utf8(port.text) + "]=" + std::to_string(port.number) + " ";
-        return text.substr(0, text.find_last_of(' '));
+            ports.push_back("[" + Utf8(port.text) + "]=" + std::to_string(port.number));
+        return Joined(ports);
     }
 
     // The kind and the content.

@@ -112,7 +112,7 @@ class PortDialogue : public PortTest, public testing::WithParamInterface<TableGr
                 std::this_thread::yield();
         });
         dialogue_.Add("Written", [this] { return device_.written(); });
-        dialogue_.Add("Calls", [this] { return Calls(); });
+        dialogue_.Add("Calls", [this] { return Joined(device_.TakeLog(), ", "); });
         dialogue_.Add("State", [this] { return State(); });
         dialogue_.Add("Timeouts", [this] { return Timeouts(); });
     }
@@ -154,13 +154,6 @@ class PortDialogue : public PortTest, public testing::WithParamInterface<TableGr
         EXPECT_FALSE(port_->TakeWriteDone());
         EXPECT_FALSE(port_->TakeLineEvent());
         EXPECT_EQ(Record::LiveCount(), recordsWhenNew_);
-    }
-
-    std::string Calls() {
-        std::string calls;
-        for (const std::string& call : device_.TakeLog())
-            calls += (calls.empty() ? "" : ", ") + call;
-        return calls;
     }
 
     std::string State() const {
