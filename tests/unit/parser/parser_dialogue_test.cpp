@@ -113,6 +113,10 @@ class ParserDialogue : public ReceiverTest, public testing::WithParamInterface<T
         dialogue_.Add("AwaitNmea", [this] {
             EXPECT_TRUE(Await([this] { return parser_->GetComStatus()->ValidNmea(); }));
         });
+        dialogue_.Add("AwaitEvents", [this](int count) {
+            EXPECT_TRUE(Await([&] { return log_.count >= count; }));
+        });
+        dialogue_.Add("Error", [this] { return ErrorOf(parser_->error()); });
         dialogue_.Add("AwaitFix", [this] {
             EXPECT_TRUE(Await([this] { return parser_->GetComStatus()->ValidFix(); }));
         });

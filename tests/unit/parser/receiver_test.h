@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <functional>
 #include <string>
@@ -64,12 +65,16 @@ class EventLog {
     // What the client does with an event, once it is written down.
     std::function<void(ParserEvent, Record&)> act;
 
+    // How many events there were, for a client that waits for another thread's.
+    std::atomic<int> count{0};
+
   private:
     static void OnEvent(void* context, ParserEvent event, Record& object) {
         EXPECT_FALSE(libraryLock.IsHeldByThisThread());
         auto& log = *static_cast<EventLog*>(context);
         log.text_ += (log.text_.empty() ? "" : " ") + Describe(event, object);
         if (log.act) log.act(event, object);
+        ++log.count;
     }
 
     std::string text_;
