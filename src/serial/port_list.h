@@ -14,8 +14,6 @@ namespace kavrel {
 struct ListedPort {
     std::u16string text;  // "COM4", or "COM4 <friendly name>"
     std::int32_t number = 0;
-
-    bool operator==(const ListedPort&) const = default;
 };
 
 // In the registry's order, each number once. Only the first four characters of a driver's name
