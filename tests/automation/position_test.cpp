@@ -10,6 +10,7 @@
 #include "automation/support/late_call.h"
 #include "automation/support/plain_dispatch.h"
 #include "automation/support/positions.h"
+#include "automation/support/resources.h"
 
 using Microsoft::WRL::ComPtr;
 
@@ -38,7 +39,7 @@ using PositionTest = AutomationTest;
 
 TEST_F(PositionTest, DmsIntoVariants) {
     const ComPtr<IDispatch> p = PositionAt(-10.51, 18.05);
-    // What is in them before does not matter and is freed.
+    // What is in them before does not matter.
     DmsVariables dms;
     dms.values[0] = 5;
     dms.values[2] = L"text";
@@ -67,7 +68,7 @@ TEST_F(PositionTest, DmsIntoTypedVariables) {
     SHORT degrees = 0;
     LONG minutes = 0;
     float seconds = 0;
-    BSTR hemisphere = SysAllocString(L"what was in it before is freed");
+    BSTR hemisphere = SysAllocString(L"something else");
     ExpectSteps(p.Get(), {{L"LatitudeDMS",
                            {Var::Reference(VT_I2, &degrees), Var::Reference(VT_I4, &minutes),
                             Var::Reference(VT_R4, &seconds), Var::Reference(VT_BSTR, &hemisphere)},
@@ -84,6 +85,24 @@ TEST_F(PositionTest, DmsIntoTypedVariables) {
     EXPECT_EQ(DISP_E_OVERFLOW,
               Call(PositionAt(0, 179).Get(), L"LongitudeDMS", variables.arguments).status);
     EXPECT_EQ(7, tooSmall);
+}
+
+TEST_F(PositionTest, DmsFreesWhatIsInVariables) {
+    const ComPtr<IDispatch> p = PositionAt(0, 0);
+    const auto read = [&p] {
+        DmsVariables dms;
+        dms.values[2] = L"in a variant";
+        BSTR hemisphere = SysAllocString(L"in a variable for texts");
+        dms.arguments[3] = Var::Reference(VT_BSTR, &hemisphere);
+        ExpectSteps(p.Get(), {{L"LatitudeDMS", dms.arguments, ""}});
+        SysFreeString(hemisphere);
+    };
+    read();
+    const Resources before = Resources::Now();
+    for (int i = 0; i < 100; ++i)
+        read();
+    // The system may take some meanwhile.
+    EXPECT_GT(before.heapBlocks + 50, Resources::Now().heapBlocks);
 }
 
 TEST_F(PositionTest, DmsNeedsSomethingToWriteTo) {
