@@ -1,7 +1,8 @@
 // A client's life with a parser: settings, pieces of text, queries, and a sink that keeps what it
 // is handed, changes sentences and calls the parser again from inside an event.
 //
-// What was handed out must never change, and nothing may be left over.
+// What was handed out must never change, settings must be refused exactly outside their ranges,
+// and nothing may be left over.
 #include <array>
 #include <cstddef>
 #include <string>
@@ -45,10 +46,9 @@ class Client {
             case 'L':  // a line that fits its checksum
                 return Parse(Line(input_.TakeText(120)));
             case 'D':
-                return parser_->SetGpsDatum(input_.Take<std::int16_t>());
+                return SetDatum(input_.Take<std::int16_t>());
             case 'I':
-                return parser_->SetEventInterval(input_.Take<std::int16_t>(),
-                                                 input_.Take<std::int8_t>());
+                return SetInterval(input_.Take<std::int16_t>(), input_.Take<std::int8_t>());
             case 'A':
                 return parser_->SetAllEventsGeneric(input_.TakeBool());
             case 'N':
@@ -77,6 +77,16 @@ class Client {
     void Parse(const std::string& text) {
         parser_->Parse(text);
         Check(!HasFailed());
+    }
+
+    void SetDatum(std::int16_t datum) {
+        parser_->SetGpsDatum(datum);
+        Check(HasFailed() == (datum < 1 || datum > 28));
+    }
+
+    void SetInterval(std::int16_t ms, std::int8_t type) {
+        parser_->SetEventInterval(ms, type);
+        Check(HasFailed() == (type < 5 || type > 8));
     }
 
     // One bit a handler.

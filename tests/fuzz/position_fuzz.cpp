@@ -47,9 +47,9 @@ class Atlas {
             case 'H':
                 return p.SetAltitude(input_.Take<std::int8_t>(), TakeNumber());
             case 'D':
-                return p.PutDatum(input_.Take<std::int8_t>());
+                return PutDatum(p, input_.Take<std::int8_t>());
             case 'G':
-                return p.PutGrid(input_.Take<std::int8_t>());
+                return PutGrid(p, input_.Take<std::int8_t>());
             case 'Z':
                 return p.PutZone(input_.Take<std::int16_t>());
             case 'z':
@@ -142,6 +142,19 @@ class Atlas {
         Check(parts.degrees >= 0 && parts.degrees <= maxDegrees);
         Check(parts.minutes >= 0 && parts.minutes < 60);
         Check(parts.seconds >= 0.0 && parts.seconds < 60.0);
+    }
+
+    // Also refused when the position's own datum is a custom one that it does not have.
+    static void PutDatum(Position& p, std::int8_t datum) {
+        p.PutDatum(datum);
+        const bool isRefused = p.error().IsSet();
+        if (datum < 1 || datum > 27) Check(isRefused);
+        Check(isRefused || p.Datum() == datum);
+    }
+
+    static void PutGrid(Position& p, std::int8_t grid) {
+        p.PutGrid(grid);
+        if (grid < 0 || grid > 51) Check(p.error().IsSet());
     }
 
     // From a point on the ground to a built-in grid and back.

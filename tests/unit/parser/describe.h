@@ -13,7 +13,6 @@
 #include "results/movement.h"
 #include "results/quality.h"
 #include "results/satellites.h"
-#include "results/speed.h"
 
 namespace kavrel {
 
@@ -47,6 +46,8 @@ class Description {
         if (!position) return;
         Add(position->Latitude(), position->Longitude(), position->Altitude(0),
             position->Altitude(1), position->Datum());
+        for (const int form : {0, 1})
+            Add(position->LatitudeString(form), position->LongitudeString(form));
     }
 
   private:
@@ -66,14 +67,18 @@ inline std::string Describe(ParserEvent event, Record& object) {
         all.Add(gga.SatellitesInView(), gga.Hdop());
     } else if (event == ParserEvent::Rmc) {
         auto& rmc = static_cast<NmeaRmc&>(object);
-        all.Add(rmc.GroundSpeed(kSpeedKnots), rmc.Heading(), rmc.MagneticVariation());
+        for (int unit = -1; unit <= 4; ++unit)
+            all.Add(rmc.GroundSpeed(unit));
+        all.Add(rmc.Heading(), rmc.MagneticVariation());
     } else if (event == ParserEvent::GpsFix) {
         auto& fix = static_cast<GpsFix&>(object);
         all.Add(fix.FixType());
         all.AddPlaceAndTime(fix);
     } else if (event == ParserEvent::Movement) {
         auto& movement = static_cast<Movement&>(object);
-        all.Add(movement.Speed(kSpeedKnots), movement.Heading(), movement.MagneticVariation());
+        for (int unit = -1; unit <= 4; ++unit)
+            all.Add(movement.Speed(unit));
+        all.Add(movement.Heading(), movement.MagneticVariation());
     } else if (event == ParserEvent::Satellites) {
         auto& satellites = static_cast<Satellites&>(object);
         for (int i = 1; i <= satellites.Count(); ++i) {
